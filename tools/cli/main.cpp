@@ -1,14 +1,26 @@
 // tarabix-cli: the program's model, player and output layer without a window.
+#include "tools/cli/Commands.h"
+
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 namespace {
 
+struct Command {
+    std::string_view name;
+    std::string_view synopsis;
+    int (*run)(const tarabix::cli::Args&);
+};
+
+constexpr Command kCommands[] = {
+    {"version", "version              print the program's name and version", tarabix::cli::version},
+};
+
 int usage(std::FILE* out)
 {
-    std::fputs("usage: tarabix-cli COMMAND [ARGS]\n"
-               "  version        print the program's version\n",
-               out);
+    std::fputs("usage: tarabix-cli COMMAND [ARGS]\n", out);
+    for (const Command& c : kCommands)
+        std::fprintf(out, "  %.*s\n", static_cast<int>(c.synopsis.size()), c.synopsis.data());
     return out == stdout ? 0 : 2;
 }
 
@@ -18,13 +30,13 @@ int main(int argc, char* argv[])
 {
     if (argc < 2)
         return usage(stderr);
-    const char* command = argv[1];
-    if (!std::strcmp(command, "help") || !std::strcmp(command, "--help"))
+    const std::string_view name = argv[1];
+    if (name == "help" || name == "--help" || name == "-h")
         return usage(stdout);
-    if (!std::strcmp(command, "version")) {
-        std::puts("Tarabix 1.4");
-        return 0;
+    for (const Command& c : kCommands) {
+        if (c.name == name)
+            return c.run(tarabix::cli::Args(argv + 2, argv + argc));
     }
-    std::fprintf(stderr, "tarabix-cli: unknown command '%s'\n", command);
+    std::fprintf(stderr, "tarabix-cli: unknown command '%s'\n", argv[1]);
     return usage(stderr);
 }

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tarabix::cli {
+
+// A command gets the arguments after its name and returns the process's exit code.
+using Args = std::vector<std::string>;
+
+int version(const Args& args);
+
+}  // namespace tarabix::cli
