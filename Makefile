@@ -3,9 +3,11 @@
 # make build - build only, into build/
 BUILD_DIR ?= build
 ASAN_DIR  ?= build-asan
+FUZZ_DIR  ?= build-fuzz
+FUZZ_SECONDS ?= 15
 CMAKE_GEN ?= -G Ninja
 
-.PHONY: all deps configure build run test test-asan bench clean
+.PHONY: all deps configure build run test test-asan fuzz-smoke bench clean
 
 all: build
 
@@ -24,6 +26,7 @@ run: deps build
 test: deps build
 	ctest --test-dir $(BUILD_DIR) --output-on-failure -j2
 	$(MAKE) --no-print-directory test-asan
+	$(MAKE) --no-print-directory fuzz-smoke
 
 test-asan:
 	@cmake -S . -B $(ASAN_DIR) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DTARABIX_SANITIZE=ON \
@@ -34,8 +37,23 @@ test-asan:
 	UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --test-dir $(ASAN_DIR) --output-on-failure -j2
 
+# Each libFuzzer target runs briefly from its committed corpus (crash inputs included); new
+# inputs go to a scratch folder so the committed corpus only grows by hand.
+fuzz-smoke:
+	@CXX=clang++-14 cmake -S . -B $(FUZZ_DIR) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DTARABIX_FUZZ=ON -DTARABIX_BUILD_TESTS=OFF -DTARABIX_BUILD_BENCH=OFF >/dev/null
+	@cmake --build $(FUZZ_DIR) --target fuzzers
+	@set -e; for f in $(FUZZ_DIR)/tests/fuzz/*_fuzz; do \
+	  [ -x "$$f" ] || continue; name=$$(basename $$f); \
+	  mkdir -p tests/fuzz/corpus/$$name $(FUZZ_DIR)/scratch/$$name; \
+	  echo "fuzz: $$name for $(FUZZ_SECONDS) s"; \
+	  ASAN_OPTIONS=detect_leaks=1 "$$f" -max_total_time=$(FUZZ_SECONDS) -print_final_stats=0 \
+	    $(FUZZ_DIR)/scratch/$$name tests/fuzz/corpus/$$name 2>$(FUZZ_DIR)/scratch/$$name.log \
+	    || { tail -40 $(FUZZ_DIR)/scratch/$$name.log; exit 1; }; \
+	done
+
 bench: deps build
 	@for b in $(BUILD_DIR)/bench/*_bench; do [ -x "$$b" ] && "$$b"; done; true
 
 clean:
-	rm -rf $(BUILD_DIR) $(ASAN_DIR)
+	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)
