@@ -43,8 +43,8 @@ fuzz-smoke:
 	@CXX=clang++-14 cmake -S . -B $(FUZZ_DIR) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 	  -DTARABIX_FUZZ=ON -DTARABIX_BUILD_TESTS=OFF -DTARABIX_BUILD_BENCH=OFF >/dev/null
 	@cmake --build $(FUZZ_DIR) --target fuzzers
-	@set -e; for f in $(FUZZ_DIR)/tests/fuzz/*_fuzz; do \
-	  [ -x "$$f" ] || continue; name=$$(basename $$f); \
+	@set -e; for src in tests/fuzz/*_fuzz.cpp; do \
+	  [ -f "$$src" ] || continue; name=$$(basename $$src .cpp); f=$(FUZZ_DIR)/tests/fuzz/$$name; \
 	  mkdir -p tests/fuzz/corpus/$$name $(FUZZ_DIR)/scratch/$$name; \
 	  echo "fuzz: $$name for $(FUZZ_SECONDS) s"; \
 	  ASAN_OPTIONS=detect_leaks=1 "$$f" -max_total_time=$(FUZZ_SECONDS) -print_final_stats=0 \
