@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tarabix {
+
+// Result codes of opening and closing an output. The numbers are the classic MIDI output error
+// numbers, so a code that reaches the window means the same thing on every platform.
+enum MidiOutResult : int32_t {
+    kMidiOutOk = 0,
+    kMidiOutError = 1,          // unspecified failure inside the backend
+    kMidiOutBadDeviceId = 2,    // no output with this id
+    kMidiOutAllocated = 4,      // the output is held by another program
+    kMidiOutInvalidHandle = 5,  // close of an output that is not open
+    kMidiOutNoDevice = 68,      // the backend exists but has nothing to play through (no audio device)
+};
+
+// A short channel message packed the way the whole program passes it around:
+// status + data1 * 256 + data2 * 65536. Nothing is masked: callers pass data bytes 0-127.
+constexpr uint32_t packShortMessage(uint32_t status, uint32_t data1, uint32_t data2)
+{
+    return status + data1 * 256u + data2 * 65536u;
+}
+
+constexpr uint32_t shortMessageStatus(uint32_t message) { return message & 0xFFu; }
+constexpr uint32_t shortMessageData1(uint32_t message) { return (message >> 8) & 0xFFu; }
+constexpr uint32_t shortMessageData2(uint32_t message) { return (message >> 16) & 0xFFu; }
+
+// One MIDI output: the built-in synthesizer, a system MIDI port, or a recorder in tests.
+// Sending on an output that is not open is allowed and does nothing.
+class MidiOutPort {
+public:
+    virtual ~MidiOutPort() = default;
+
+    virtual int32_t open() = 0;
+    virtual int32_t close() = 0;
+    virtual void send(uint32_t message) = 0;
+
+    // Silences everything: sustain off, then all notes off, on every channel. Sustain goes first
+    // because a device keeps notes held by the pedal through an all-notes-off.
+    virtual void reset();
+
+    // Why the last open failed, in words a dialog can show; empty after a successful open.
+    virtual std::string failureReason() const { return {}; }
+};
+
+}  // namespace tarabix

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "playback/MidiOutPort.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The one owner of the program's MIDI output: the device id, the open output, and per channel the
+// program and the pitch shift in cents that every (re)opened output is given back. All functions
+// run on the user-interface thread.
+namespace tarabix {
+
+inline constexpr int32_t kMidiMapperId = -1;
+inline constexpr const char* kMidiMapperName = "MIDI Mapper";
+
+struct MidiOutDevice {
+    int32_t id;
+    std::string name;
+    bool operator==(const MidiOutDevice&) const = default;
+};
+
+// Where outputs come from: the names of devices 0..n-1, and a fresh output for an id
+// (kMidiMapperId included); nullptr when there is no such device.
+struct MidiOutBackend {
+    std::function<std::vector<std::string>()> deviceNames;
+    std::function<std::unique_ptr<MidiOutPort>(int32_t id)> makePort;
+};
+
+int32_t getMidiDeviceId();
+void setMidiDeviceId(int32_t id);
+
+// Closes the output, opens the device id and gives every channel, in ascending order, its
+// program and its pitch wheel. Returns the open's code untouched; on failure nothing is sent.
+int32_t reopenMidiOut();
+int32_t closeMidiOut();
+
+void setChannelBendCents(int ch, int32_t cents);
+void midiNoteOn(int ch, int note, int32_t cents, int velocity);
+void midiNoteOff(int ch, int note);
+
+// Any other message of a piece (program change, controllers, aftertouch), sent unchanged.
+void midiOutShortMsg(uint32_t message);
+
+// Silences the output: sustain off and all notes off on every channel.
+void midiOutReset();
+
+// Why the last reopenMidiOut failed ("no audio output device", ...); empty after a success.
+std::string midiOutFailureReason();
+
+// "MIDI Mapper" as id -1, then devices 0..n-1 by name.
+std::vector<MidiOutDevice> listMidiOutDevices();
+
+// An output of the caller's own (the device dialog's test notes), opened; nullptr and the code
+// in result when it cannot be opened.
+std::unique_ptr<MidiOutPort> openMidiOutDevice(int32_t id, int32_t& result, std::string* reason = nullptr);
+
+// Pitch-wheel value for a shift in cents: 4096 steps per 100 cents around the centre 8192, the
+// General MIDI default range of +-2 semitones.
+int32_t centsToBend(int32_t cents);
+uint32_t pitchWheelMessage(int ch, int32_t cents);
+
+// A piece's own pitch-wheel value back to cents; quantise moves it to the nearest quarter tone
+// (multiple of 50), a remainder of exactly +-25 going up.
+int32_t bendToCents(int32_t bend, bool quantise);
+
+// Replaces where outputs come from (tests install recorders); closes and drops the current output.
+void setMidiOutBackend(MidiOutBackend backend);
+
+// Back to the start-up state: output closed and dropped, id -1, programs and cents 0, the
+// system backend (built-in synthesizer and system MIDI ports).
+void resetMidiMainState();
+
+}  // namespace tarabix
