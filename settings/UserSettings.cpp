@@ -1,0 +1,122 @@
+#include "settings/UserSettings.h"
+
+#include "settings/TextNumbers.h"
+
+#include <QSettings>
+#include <QString>
+
+namespace tarabix {
+namespace {
+
+struct SettingRow {
+    Setting setting;
+    const char* key;
+    const char* defaultText;
+};
+
+// Every key with its built-in value, in the order the start-up load reads them.
+constexpr SettingRow kSettings[] = {
+    {Setting::ApproxQrt, "approxQrt", "True"},
+    {Setting::PlayMouseMove, "PlayMouseMove", "False"},
+    {Setting::MkbPlayHilite, "MKB-PlayHilite", "True"},
+    {Setting::MkbDoubling, "MKB-Doubling", "False"},
+    {Setting::MkbDblOn1MS, "MKB-dblOn1MS", "5"},
+    {Setting::MkbDblOffMS, "MKB-dblOffMS", "2"},
+    {Setting::NoteNamesType, "NoteNamesType", "0"},
+    {Setting::NotesPresRestNoMaqam, "NotesPres_Rest_NoMaqam", "1"},
+    {Setting::NotesPresPlayNoMaqam, "NotesPres_Play_NoMaqam", "1"},
+    {Setting::NotesPresRestMaqam, "NotesPres_Rest_Maqam", "1"},
+    {Setting::NotesPresPlayMaqam, "NotesPres_Play_Maqam", "1"},
+    {Setting::UdOrient, "UdOrient", "1"},
+    {Setting::TuningICateg, "TuningICateg", "0"},
+};
+
+constexpr bool tableFollowsEnum()
+{
+    for (size_t i = 0; i < std::size(kSettings); ++i)
+        if (static_cast<size_t>(kSettings[i].setting) != i)
+            return false;
+    return true;
+}
+static_assert(tableFollowsEnum(), "kSettings rows must follow the order of Setting");
+
+constexpr const char* kOrganisation = "Tarabix";
+constexpr const char* kApplication = "Tarabix";
+constexpr const char* kGroup = "options";
+
+const SettingRow& row(Setting setting)
+{
+    return kSettings[static_cast<size_t>(setting)];
+}
+
+QString storeKey(Setting setting)
+{
+    return QString::fromLatin1(kGroup) + u'/' + QString::fromLatin1(row(setting).key);
+}
+
+}  // namespace
+
+UserSettings::UserSettings()
+    : store_(std::make_unique<QSettings>(QString::fromLatin1(kOrganisation), QString::fromLatin1(kApplication)))
+{
+}
+
+UserSettings::UserSettings(std::unique_ptr<QSettings> store)
+    : store_(std::move(store))
+{
+}
+
+UserSettings::~UserSettings() = default;
+
+std::string_view UserSettings::keyName(Setting setting)
+{
+    return row(setting).key;
+}
+
+bool UserSettings::boolValue(Setting setting) const
+{
+    const QString text = store_->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString();
+    if (const auto value = textToBool(text.toStdString()))
+        return *value;
+    return textToBool(row(setting).defaultText).value_or(false);
+}
+
+int32_t UserSettings::intValue(Setting setting) const
+{
+    const QString text = store_->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString();
+    if (const auto value = textToInt32(text.toStdString()))
+        return *value;
+    return textToInt32(row(setting).defaultText).value_or(0);
+}
+
+void UserSettings::setBool(Setting setting, bool value)
+{
+    store_->setValue(storeKey(setting), value ? QStringLiteral("True") : QStringLiteral("False"));
+    store_->sync();
+}
+
+void UserSettings::setInt(Setting setting, int32_t value)
+{
+    store_->setValue(storeKey(setting), QString::number(value));
+    store_->sync();
+}
+
+StartupOptions UserSettings::loadStartup() const
+{
+    StartupOptions options;
+    options.approxQrt = boolValue(Setting::ApproxQrt);
+    options.playMouseMove = boolValue(Setting::PlayMouseMove);
+    options.mkbPlayHilite = boolValue(Setting::MkbPlayHilite);
+    // Without approximated quarter tones the key-play highlight stays off, whatever was stored.
+    if (!options.approxQrt)
+        options.mkbPlayHilite = false;
+    options.mkbDoubling = boolValue(Setting::MkbDoubling);
+    options.mkbDblOn1MS = intValue(Setting::MkbDblOn1MS);
+    options.mkbDblOffMS = intValue(Setting::MkbDblOffMS);
+    options.noteNamesType = intValue(Setting::NoteNamesType);
+    options.notesPres = {intValue(Setting::NotesPresRestNoMaqam), intValue(Setting::NotesPresPlayNoMaqam),
+                         intValue(Setting::NotesPresRestMaqam), intValue(Setting::NotesPresPlayMaqam)};
+    return options;
+}
+
+}  // namespace tarabix

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+class QSettings;
+
+namespace tarabix {
+
+// The user settings the program keeps between runs, all in section "options".
+enum class Setting {
+    ApproxQrt,
+    PlayMouseMove,
+    MkbPlayHilite,
+    MkbDoubling,
+    MkbDblOn1MS,
+    MkbDblOffMS,
+    NoteNamesType,
+    NotesPresRestNoMaqam,
+    NotesPresPlayNoMaqam,
+    NotesPresRestMaqam,
+    NotesPresPlayMaqam,
+    UdOrient,
+    TuningICateg,
+};
+
+// What the main window takes from the store when it starts.
+struct StartupOptions {
+    bool approxQrt = false;
+    bool playMouseMove = false;
+    bool mkbPlayHilite = false;
+    bool mkbDoubling = false;
+    int32_t mkbDblOn1MS = 0;
+    int32_t mkbDblOffMS = 0;
+    int32_t noteNamesType = 0;
+    // Rest without maqam, playing without maqam, rest with maqam, playing with maqam.
+    std::array<int32_t, 4> notesPres{};
+};
+
+// The one owner of the settings keys and their defaults. Values are stored as text ("True"/"False",
+// decimal numbers) and written the moment they change, so a crash never loses a choice.
+class UserSettings {
+public:
+    // The per-user store of organisation and application "Tarabix".
+    UserSettings();
+    // Any store, e.g. a QSettings over a temporary INI file in tests.
+    explicit UserSettings(std::unique_ptr<QSettings> store);
+    ~UserSettings();
+    UserSettings(const UserSettings&) = delete;
+    UserSettings& operator=(const UserSettings&) = delete;
+
+    static std::string_view keyName(Setting setting);
+
+    // A stored text that cannot be converted gives the setting's built-in default.
+    bool boolValue(Setting setting) const;
+    int32_t intValue(Setting setting) const;
+    void setBool(Setting setting, bool value);
+    void setInt(Setting setting, int32_t value);
+
+    // Reads the start-up options in the order the window has always read them. A value that
+    // cannot be converted keeps its default and the load goes on with the next key: one damaged
+    // entry should not cost the learner every other choice.
+    StartupOptions loadStartup() const;
+
+    // Read later in start-up, by the resources check.
+    int32_t udOrient() const { return intValue(Setting::UdOrient); }
+    int32_t tuningICateg() const { return intValue(Setting::TuningICateg); }
+
+private:
+    std::unique_ptr<QSettings> store_;
+};
+
+}  // namespace tarabix
