@@ -1,0 +1,249 @@
+#include "oud/model/mUdCtrl.h"
+
+#include <algorithm>
+
+#include "base/ReadWholeFile.h"
+#include "base/Rounding.h"
+
+namespace tarabix {
+
+namespace {
+
+const std::string& caption(const TuningRec& rec, int32_t nameSystem)
+{
+    return nameSystem == kNamesWestern ? rec.name : rec.nameSolfege;
+}
+
+}  // namespace
+
+mUdCtrl::mUdCtrl()
+{
+    setDefaultTuning();
+}
+
+int32_t mUdCtrl::loadTunings(const std::string& path)
+{
+    std::string text;
+    if (readWholeFile(path, text) != 0) {
+        setDefaultTuning();
+        return kTuningsBuiltIn;
+    }
+    return loadTuningsText(text);
+}
+
+int32_t mUdCtrl::loadTuningsText(const std::string& text)
+{
+    return parseTunings(text, m_tunings);
+}
+
+void mUdCtrl::setDefaultTuning()
+{
+    m_tunings = {builtInTuning()};
+}
+
+int32_t mUdCtrl::tuningCount() const
+{
+    return static_cast<int32_t>(m_tunings.size());
+}
+
+std::string mUdCtrl::tuningAt(int32_t index, int32_t nameSystem, int32_t& id) const
+{
+    if (index < 0 || index >= tuningCount()) {
+        id = -1;
+        return {};
+    }
+    const TuningRec& rec = m_tunings[static_cast<size_t>(index)];
+    id = rec.id;
+    return caption(rec, nameSystem);
+}
+
+std::string mUdCtrl::tuningById(int32_t id, int32_t nameSystem, int32_t& index) const
+{
+    const auto it = std::find_if(m_tunings.begin(), m_tunings.end(), [id](const TuningRec& r) { return r.id == id; });
+    if (it == m_tunings.end())
+        return {};
+    index = static_cast<int32_t>(it - m_tunings.begin());
+    return caption(*it, nameSystem);
+}
+
+void mUdCtrl::applyTuning(int32_t id, int32_t octShift)
+{
+    if (id == m_curTuningId && octShift == m_curTuneOctShift && m_curTuningId != -1)
+        return;
+    const int32_t previousId = m_curTuningId;
+
+    // An id the list no longer holds (a remembered setting from another tunings.ini) falls back
+    // to the first tuning, which then becomes the current id.
+    auto it = std::find_if(m_tunings.begin(), m_tunings.end(), [id](const TuningRec& r) { return r.id == id; });
+    const TuningRec& rec = it != m_tunings.end() ? *it : m_tunings.front();
+
+    m_curTuneOctShift = octShift;
+    m_curTuningId = rec.id;
+    m_curNumStrings = std::clamp(rec.numStrings, 0, kMaxStrings);
+    m_curStringPitch = {};
+    m_curStringCents = {};
+    for (int32_t i = 0; i < m_curNumStrings; ++i) {
+        const size_t s = static_cast<size_t>(i);
+        // Saturating: an absurd octave shift leaves the string outside the table instead of wrapping.
+        const int64_t pitch = int64_t{rec.stringPitch[s]} + int64_t{12} * octShift;
+        m_curStringPitch[s] = static_cast<int32_t>(std::clamp<int64_t>(pitch, INT32_MIN, INT32_MAX));
+        m_curStringCents[s] = rec.stringCents[s];
+    }
+
+    buildPositionTable();
+    if (id != previousId && onRestorePicture)
+        onRestorePicture();
+}
+
+int32_t mUdCtrl::lowestNote() const
+{
+    return m_curStringPitch[0];
+}
+
+int32_t mUdCtrl::lowestCents() const
+{
+    return m_curStringCents[0];
+}
+
+int32_t mUdCtrl::highestNote() const
+{
+    return m_curStringPitch[static_cast<size_t>(std::max(m_curNumStrings - 1, 0))] + 7;
+}
+
+int32_t mUdCtrl::highestCents() const
+{
+    return m_curStringCents[static_cast<size_t>(std::max(m_curNumStrings - 1, 0))];
+}
+
+void mUdCtrl::setOrientation(int32_t newValue, bool redrawMarks)
+{
+    if (newValue < kRightPlayerView || newValue > kLeftMirrorView)
+        return;
+    if (newValue != m_orientation && onOrientationChanged)
+        onOrientationChanged(m_orientation, newValue);
+    for (size_t s = 0; s < kMaxStrings; ++s) {
+        m_curStringA[s] = orientPoint(kStringNut[s], newValue);
+        m_curStringB[s] = orientPoint(kStringEnd[s], newValue);
+    }
+    m_orientation = newValue;
+    if (redrawMarks)
+        buildPositionTable();
+}
+
+int32_t mUdCtrl::buildPositionTable()
+{
+    m_posTable.fill(PositionEntry{});
+    m_tableStatus = 0;
+    const double zone = zoneLength();
+    // Strings go up in order, so where two strings share a pitch the higher string, nearer the
+    // nut, keeps it: that is where an oud player takes it.
+    for (int32_t s = 0; s < m_curNumStrings; ++s) {
+        const size_t si = static_cast<size_t>(s);
+        const int32_t pitch = m_curStringPitch[si];
+        if (pitch < 0 || 2 * int64_t{pitch} + kZoneQuarterTones >= kPositionCount) {
+            m_tableStatus = kStringOutsideTable;
+            continue;
+        }
+        const PicPoint a = m_curStringA[si];
+        const PicPoint b = m_curStringB[si];
+        const size_t q0 = static_cast<size_t>(2 * pitch);
+        m_posTable[q0] = {a.x, a.y, s};
+        m_posTable[q0 + kZoneQuarterTones] = {b.x, b.y, s};
+        for (int32_t j = 1; j < kZoneQuarterTones; ++j) {
+            const double f = stopFraction(j);
+            m_posTable[q0 + static_cast<size_t>(j)] = {roundHalfEvenInt(f * (b.x - a.x) / zone + a.x),
+                                                      roundHalfEvenInt(f * (b.y - a.y) / zone + a.y), s};
+        }
+    }
+    return m_tableStatus;
+}
+
+PositionEntry mUdCtrl::positionAt(int32_t q) const
+{
+    if (q < 0 || q >= kPositionCount)
+        return {};
+    return m_posTable[static_cast<size_t>(q)];
+}
+
+int32_t mUdCtrl::fingerFor(int32_t note, bool quarter) const
+{
+    if (note < 0 || note > (kPositionCount - 1) / 2)
+        return -1;
+    const PositionEntry entry = m_posTable[static_cast<size_t>(2 * note)];
+    if (!entry.playable())
+        return -1;
+    const int32_t d = note - m_curStringPitch[static_cast<size_t>(entry.string)];
+    if (d < 0)
+        return -1;
+    if (d == 0)
+        return quarter ? 1 : 0;
+    if (d == 3)
+        return quarter ? 4 : 3;
+    return std::min(d, 4);
+}
+
+FoundPitch mUdCtrl::pitchAtPoint(PicPointF point, bool snapToQuarterTones, double radius) const
+{
+    int32_t best = -1;
+    double bestDist2 = 1000000.0;
+    double bestT = 0.0;
+    for (int32_t s = 0; s < m_curNumStrings; ++s) {
+        const PicPoint a = m_curStringA[static_cast<size_t>(s)];
+        const PicPoint b = m_curStringB[static_cast<size_t>(s)];
+        const double abx = b.x - a.x, aby = b.y - a.y;
+        const double apx = point.x - a.x, apy = point.y - a.y;
+        const double len2 = abx * abx + aby * aby;
+        const double cross = apx * aby - apy * abx;
+        const double dist2 = cross * cross / len2;
+        const double t = (apx * abx + apy * aby) / len2;
+        // The loose lower limit lets a click left of the nut still find its string.
+        if (t >= -14.0 && dist2 < bestDist2) {
+            best = s;
+            bestDist2 = dist2;
+            bestT = t;
+        }
+    }
+    if (best < 0 || bestDist2 > radius * radius || m_curStringPitch[static_cast<size_t>(best)] < 0)
+        return {};
+
+    const auto stopped = centsAtZoneFraction(std::max(bestT, 0.0));
+    if (!stopped)
+        return {};
+    int32_t cents = *stopped;
+    if (snapToQuarterTones) {
+        const int32_t r = cents % 50;
+        if (r >= 25)
+            cents += 50;
+        cents -= r;
+    }
+    FoundPitch found;
+    found.string = best;
+    found.note = m_curStringPitch[static_cast<size_t>(best)] + cents / 100;
+    found.cents = cents % 100 + m_curStringCents[static_cast<size_t>(best)];
+    normalizePitch(found.note, found.cents);
+    return found;
+}
+
+FoundPitch mUdCtrl::pitchAtGridCell(GridCell cell, int32_t stringShift, int32_t positionShift,
+                                    int32_t orientation, bool skipTopString) const
+{
+    const bool upsideDown = (orientation & kFlipVertical) != 0;
+    const bool leftHanded = (orientation & kFlipHorizontal) != 0;
+    const int64_t s = upsideDown ? int64_t{cell.row} + stringShift : 5 - int64_t{cell.row} - stringShift;
+    const int64_t p = leftHanded ? 9 - int64_t{cell.column} - positionShift : int64_t{cell.column} + positionShift;
+    if (s < 0 || s >= m_curNumStrings || (s == kMaxStrings - 1 && skipTopString))
+        return {};
+    // Shifts far beyond the neck name no pitch rather than overflow.
+    if (p < -kPositionCount || p > kPositionCount)
+        return {};
+    const size_t si = static_cast<size_t>(s);
+    const int32_t total = static_cast<int32_t>(50 * p) + m_curStringCents[si];
+    FoundPitch found;
+    found.note = m_curStringPitch[si] + total / 100;
+    found.cents = total % 100;
+    found.string = static_cast<int32_t>(s);
+    found.position = static_cast<int32_t>(p);
+    return found;
+}
+
+}  // namespace tarabix
