@@ -9,5 +9,6 @@ namespace tarabix::cli {
 using Args = std::vector<std::string>;
 
 int version(const Args& args);
+int devices(const Args& args);
 
 }  // namespace tarabix::cli

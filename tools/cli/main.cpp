@@ -14,6 +14,7 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"version", "version              print the program's name and version", tarabix::cli::version},
+    {"devices", "devices [-v]         list the MIDI outputs and their ids (--soundfont FILE)", tarabix::cli::devices},
 };
 
 int usage(std::FILE* out)

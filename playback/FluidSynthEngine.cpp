@@ -1,0 +1,74 @@
+#include "playback/FluidSynthEngine.h"
+
+#include "playback/MidiOutPort.h"
+#include "playback/SynthDiagnostics.h"
+
+namespace tarabix {
+
+FluidSynthEngine::FluidSynthEngine(double sampleRate)
+{
+    installSynthDiagnostics();
+    m_settings = new_fluid_settings();
+    if (!m_settings) {
+        m_reason = "the built-in synthesizer could not be created";
+        return;
+    }
+    fluid_settings_setnum(m_settings, "synth.sample-rate", sampleRate);
+    // Only the samples of the presets in use are read, so a 140 MB SoundFont is ready in tens of
+    // milliseconds instead of being read whole.
+    fluid_settings_setint(m_settings, "synth.dynamic-sample-loading", 1);
+    m_synth = new_fluid_synth(m_settings);
+    if (!m_synth)
+        m_reason = "the built-in synthesizer could not be created";
+}
+
+FluidSynthEngine::~FluidSynthEngine()
+{
+    if (m_synth)
+        delete_fluid_synth(m_synth);
+    if (m_settings)
+        delete_fluid_settings(m_settings);
+}
+
+bool FluidSynthEngine::loadSoundFont(const std::string& path)
+{
+    if (!m_synth)
+        return false;
+    if (path.empty()) {
+        m_reason = "no General MIDI SoundFont found";
+        return false;
+    }
+    if (fluid_synth_sfload(m_synth, path.c_str(), 1) == FLUID_FAILED) {
+        m_reason = "the SoundFont " + path + " could not be loaded";
+        return false;
+    }
+    return true;
+}
+
+void FluidSynthEngine::dispatch(uint32_t message) const
+{
+    if (!m_synth)
+        return;
+    const int status = static_cast<int>(shortMessageStatus(message));
+    const int ch = status & 0x0F;
+    const int d1 = static_cast<int>(shortMessageData1(message));
+    const int d2 = static_cast<int>(shortMessageData2(message));
+    // FluidSynth checks the ranges itself and refuses out-of-range data.
+    switch (status & 0xF0) {
+    case 0x80: fluid_synth_noteoff(m_synth, ch, d1); break;
+    case 0x90:
+        if (d2 == 0)
+            fluid_synth_noteoff(m_synth, ch, d1);
+        else
+            fluid_synth_noteon(m_synth, ch, d1, d2);
+        break;
+    case 0xA0: fluid_synth_key_pressure(m_synth, ch, d1, d2); break;
+    case 0xB0: fluid_synth_cc(m_synth, ch, d1, d2); break;
+    case 0xC0: fluid_synth_program_change(m_synth, ch, d1); break;
+    case 0xD0: fluid_synth_channel_pressure(m_synth, ch, d1); break;
+    case 0xE0: fluid_synth_pitch_bend(m_synth, ch, d1 + d2 * 128); break;
+    default: break;  // system messages mean nothing to a synthesizer here
+    }
+}
+
+}  // namespace tarabix

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "playback/MidiOutPort.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarabix {
+
+// The audio drivers tried in turn, the platform's usual one first.
+std::vector<std::string> defaultAudioDrivers();
+
+struct FluidSynthPortOptions {
+    std::string soundFontPath;  // empty: findSoundFont() at the first open
+    std::vector<std::string> audioDrivers = defaultAudioDrivers();
+    double sampleRate = 44100.0;
+    // 6 periods of 64 frames: under 9 ms of buffered audio at 44.1 kHz, so a note played on the
+    // fingerboard sounds at once.
+    int periodSize = 64;
+    int periods = 6;
+    // Further FluidSynth string settings for the driver (e.g. "audio.file.name").
+    std::vector<std::pair<std::string, std::string>> driverSettings;
+};
+
+// The built-in synthesizer behind "MIDI Mapper": FluidSynth with a General MIDI SoundFont,
+// playing through the audio device.
+//
+// open() creates the synth and the audio driver at once, so a missing audio device is known
+// before it returns (kMidiOutNoDevice, "no audio output device"), and then loads the SoundFont on
+// a worker thread so the window can appear meanwhile. Messages sent while it loads are kept (up
+// to a bound) and played, in order, as soon as it is ready. close() lets go of the audio device
+// but keeps the synth and its SoundFont, so the next open is quick.
+class FluidSynthPort final : public MidiOutPort {
+public:
+    enum class State { Closed, Loading, Ready, Failed };
+
+    explicit FluidSynthPort(FluidSynthPortOptions options = {});
+    ~FluidSynthPort() override;
+
+    int32_t open() override;
+    int32_t close() override;
+    void send(uint32_t message) override;
+    std::string failureReason() const override;
+
+    State state() const;
+    // Blocks until the SoundFont is loaded or failed, at most timeoutMs; true when ready.
+    bool waitUntilReady(int timeoutMs) const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+}  // namespace tarabix

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tarabix {
+
+// The recent complaints of the sound libraries (FluidSynth's log, the ALSA library's errors),
+// kept here instead of going to stderr so a dialog or `tarabix-cli devices` can show why there is
+// no sound. Thread-safe: FluidSynth logs from its audio and loader threads too.
+
+// Routes every FluidSynth log level and the ALSA library's error output here. Idempotent.
+void installSynthDiagnostics();
+
+// Adds one line (newest last); only the most recent lines are kept.
+void addSynthDiagnostic(std::string line);
+
+// The kept lines, oldest first.
+std::vector<std::string> recentSynthDiagnostics();
+
+void clearSynthDiagnostics();
+
+}  // namespace tarabix
