@@ -1,0 +1,363 @@
+#include "midi/MidiFile.h"
+
+#include "base/CheckedInt32.h"
+#include "base/Rounding.h"
+#include "base/TickSource.h"
+#include "midi/MidiError.h"
+#include "midi/StringStreamIn.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <new>
+#include <system_error>
+
+namespace tarabix {
+
+namespace {
+
+constexpr const char* kSource = "MidiFile";
+constexpr int32_t kDefaultTempo = 500000;  // microseconds per quarter note until a tempo event
+constexpr int32_t kEventsPerClockLook = 4096;
+
+int32_t bigEndian(std::string_view bytes)
+{
+    uint32_t v = 0;
+    for (const char c : bytes)
+        v = v << 8 | static_cast<uint8_t>(c);
+    return static_cast<int32_t>(v);
+}
+
+void appendBigEndian(std::string& out, uint32_t value, int nBytes)
+{
+    for (int shift = 8 * (nBytes - 1); shift >= 0; shift -= 8)
+        out.push_back(static_cast<char>(value >> shift));
+}
+
+// Hands out the events of all tracks in playing order: the smallest absTick first, the lowest
+// track on equal ticks, each track's own order kept. A heap of the tracks' next events keeps a file
+// of thousands of tracks as quick as one of sixteen. An event at the very last tick, 2147483647,
+// is never reached, nor anything after it in its track.
+class TrackMerger {
+public:
+    explicit TrackMerger(const std::vector<MidiTrack>& tracks) : tracks_(tracks), cursors_(tracks.size(), 0)
+    {
+        heap_.reserve(tracks.size());
+        for (size_t t = 0; t < tracks.size(); ++t) {
+            if (tracks[t].trkNEvents() > 0)
+                heap_.push_back(key(tracks[t].events()[0].absTick, t));
+        }
+        std::make_heap(heap_.begin(), heap_.end(), std::greater<>());
+    }
+
+    // The next event's track and index; false when none is left.
+    bool next(size_t& track, size_t& index)
+    {
+        if (heap_.empty() || (heap_[0] >> 16) == std::numeric_limits<int32_t>::max())
+            return false;
+        track = static_cast<size_t>(heap_[0] & 0xFFFF);
+        index = cursors_[track]++;
+        const std::span<const MidiEvent> events = tracks_[track].events();
+        if (cursors_[track] < events.size()) {
+            heap_[0] = key(events[cursors_[track]].absTick, track);
+        } else {
+            heap_[0] = heap_.back();
+            heap_.pop_back();
+        }
+        siftDown();
+        return true;
+    }
+
+private:
+    static int64_t key(int32_t absTick, size_t track) { return static_cast<int64_t>(absTick) * 65536 + static_cast<int64_t>(track); }
+
+    void siftDown()
+    {
+        const size_t n = heap_.size();
+        size_t i = 0;
+        const int64_t moving = n > 0 ? heap_[0] : 0;
+        for (;;) {
+            size_t child = 2 * i + 1;
+            if (child >= n)
+                break;
+            if (child + 1 < n && heap_[child + 1] < heap_[child])
+                ++child;
+            if (heap_[child] >= moving)
+                break;
+            heap_[i] = heap_[child];
+            i = child;
+        }
+        if (n > 0)
+            heap_[i] = moving;
+    }
+
+    const std::vector<MidiTrack>& tracks_;
+    std::vector<size_t> cursors_;
+    std::vector<int64_t> heap_;
+};
+
+}  // namespace
+
+MidiTrack* MidiFile::tracks(int32_t i)
+{
+    return i >= 0 && static_cast<size_t>(i) < tracks_.size() ? &tracks_[static_cast<size_t>(i)] : nullptr;
+}
+
+const MidiTrack* MidiFile::tracks(int32_t i) const
+{
+    return i >= 0 && static_cast<size_t>(i) < tracks_.size() ? &tracks_[static_cast<size_t>(i)] : nullptr;
+}
+
+void MidiFile::setNTracks(int16_t n)
+{
+    if (n < 1)
+        throw MidiError(midierr::kSubscriptOutOfRange, kSource);
+    if (static_cast<size_t>(n) != tracks_.size())
+        tracks_.resize(static_cast<size_t>(n));
+}
+
+int32_t MidiFile::allLastAbsMSec() const
+{
+    int32_t longest = 0;
+    for (const MidiTrack& t : tracks_)
+        longest = std::max(longest, t.trkLastAbsMSec());
+    return longest;
+}
+
+void MidiFile::clear()
+{
+    setNTracks(1);
+    format_ = 1;
+    division_ = kDefaultDivision;
+    tracks_[0].clear();
+}
+
+int32_t MidiFile::readMidiFile(const std::string& path)
+{
+    StringStreamIn stream;
+    try {
+        stream.setFromFile(path);
+    } catch (const MidiError& e) {
+        if (e.number() == midierr::kPathNotFound || e.number() == midierr::kPathFileAccessError)
+            return 0;  // nothing could be opened: the piece in memory stays as it was
+        return e.number();
+    } catch (const std::bad_alloc&) {
+        return midierr::kOutOfMemory;
+    }
+    return readMidi(stream);
+}
+
+int32_t MidiFile::readMidi(StringStreamIn& stream)
+{
+    try {
+        clear();
+        if (stream.readView(4) != "MThd")
+            return kNotAHeaderChunk;
+        const int32_t length = bigEndian(stream.readView(4));
+        if (length < 6)
+            return kShortHeader;
+        const std::string_view words = stream.readView(6);
+        format_ = static_cast<int16_t>(bigEndian(words.substr(0, 2)));
+        const auto nTracks = static_cast<int16_t>(bigEndian(words.substr(2, 2)));
+        division_ = static_cast<int16_t>(bigEndian(words.substr(4, 2)));
+        if (length > 6)
+            stream.readView(length - 6);
+        setNTracks(nTracks);
+        // Chunks of other kinds are not skipped: where a track is expected, only a track will do.
+        for (MidiTrack& track : tracks_) {
+            if (const int32_t status = track.readTrk(stream))
+                return status;
+        }
+        return setEvtsAbsMSecs();
+    } catch (const MidiError& e) {
+        return e.number();
+    } catch (const std::bad_alloc&) {
+        return midierr::kOutOfMemory;
+    }
+}
+
+void MidiFile::copyFrom(const MidiFile& other)
+{
+    if (&other == this)
+        return;
+    format_ = other.format_;
+    division_ = other.division_;
+    tracks_.resize(other.tracks_.size());
+    for (size_t i = 0; i < tracks_.size(); ++i)
+        tracks_[i].copyFrom(other.tracks_[i]);
+}
+
+MidiTrack MidiFile::make1TrackMidi() const
+{
+    MidiTrack merged;
+    TrackMerger merger(tracks_);
+    size_t track = 0;
+    size_t index = 0;
+    while (merger.next(track, index)) {
+        try {
+            merged.addEvent(tracks_[track].events()[index]);
+        } catch (const MidiError&) {
+            // a program change above 127 is kept without its program flag, as in its own track
+        }
+    }
+    return merged;
+}
+
+int32_t MidiFile::setEvtsAbsTicks()
+{
+    for (MidiTrack& t : tracks_) {
+        if (const int32_t status = t.setEvtsAbsTicks())
+            return status;
+    }
+    return 0;
+}
+
+void MidiFile::setYieldHook(std::function<void()> hook, int32_t intervalMs)
+{
+    yieldHook_ = std::move(hook);
+    yieldIntervalMs_ = intervalMs;
+}
+
+void MidiFile::maybeYield(int32_t& eventsSinceCheck)
+{
+    if (!yieldHook_ || ++eventsSinceCheck < kEventsPerClockLook)
+        return;
+    eventsSinceCheck = 0;
+    if (tickMs() - lastYieldMs_ >= yieldIntervalMs_) {
+        yieldHook_();
+        lastYieldMs_ = tickMs();
+    }
+}
+
+int32_t MidiFile::setEvtsAbsMSecs()
+{
+    if (const int32_t status = setEvtsAbsTicks())
+        return status;
+    lastYieldMs_ = tickMs();
+    return (division_ & 0x8000) ? stampSmpte() : stampTicksPerQuarter();
+}
+
+int32_t MidiFile::stampSmpte()
+{
+    // The high byte is minus the frames per second, the low byte the ticks per frame.
+    const int32_t framesPerSecond = -static_cast<int8_t>(static_cast<uint16_t>(division_) >> 8);
+    const int32_t ticksPerSecond = (division_ & 0xFF) * framesPerSecond;
+    int32_t sinceCheck = 0;
+    for (MidiTrack& t : tracks_) {
+        for (int32_t i = 0; i < t.trkNEvents(); ++i) {
+            MidiEvent& e = t.trkEvents(i);
+            const std::optional<int32_t> thousandfold = checkedMul(e.absTick, 1000);
+            if (!thousandfold)
+                return midierr::kOverflow;
+            if (ticksPerSecond == 0)
+                return midierr::kDivisionByZero;
+            e.absMS = static_cast<int32_t>(roundHalfEven(static_cast<double>(*thousandfold) / ticksPerSecond));
+            maybeYield(sinceCheck);
+        }
+    }
+    return 0;
+}
+
+int32_t MidiFile::stampTicksPerQuarter()
+{
+    // A tempo change holds for every later event of every track, including events at the same tick
+    // in higher-numbered tracks.
+    int32_t tempo = kDefaultTempo;
+    int32_t lastTempoTick = 0;
+    int32_t lastTempoMs = 0;
+    int32_t sinceCheck = 0;
+    TrackMerger merger(tracks_);
+    size_t track = 0;
+    size_t index = 0;
+    while (merger.next(track, index)) {
+        MidiEvent& e = tracks_[track].trkEvents(static_cast<int32_t>(index));
+        const std::optional<int32_t> ticks = checkedSub(e.absTick, lastTempoTick);
+        if (!ticks)
+            return midierr::kOverflow;
+        if (division_ == 0)
+            return midierr::kDivisionByZero;
+        const double ms = lastTempoMs + *ticks * (tempo / 1000.0) / division_;
+        const std::optional<int32_t> absMS = roundHalfEvenToInt32(ms);
+        if (!absMS)
+            return midierr::kOverflow;
+        e.absMS = *absMS;
+        if (e.isMeta(0x51)) {
+            // Fewer than four data bytes are taken as if padded with zeros on the left, so the usual
+            // three give the 24-bit tempo.
+            const std::string_view data = std::string_view(e.eData).substr(1);
+            tempo = bigEndian(data.substr(0, 4));
+            lastTempoTick = e.absTick;
+            lastTempoMs = e.absMS;
+        }
+        maybeYield(sinceCheck);
+    }
+    return 0;
+}
+
+int32_t MidiFile::setFromList(std::span<const ListedEvent> events)
+{
+    int32_t highestTrack = 0;
+    for (const ListedEvent& le : events) {
+        if (le.track < 0 || le.track > std::numeric_limits<int16_t>::max() - 1)
+            return midierr::kSubscriptOutOfRange;
+        if (le.absTick < 0)
+            return midierr::kInvalidArgument;
+        highestTrack = std::max(highestTrack, le.track);
+    }
+    std::vector<std::vector<const ListedEvent*>> byTrack(static_cast<size_t>(highestTrack) + 1);
+    for (const ListedEvent& le : events)
+        byTrack[static_cast<size_t>(le.track)].push_back(&le);
+
+    tracks_.clear();
+    tracks_.resize(byTrack.size());
+    for (size_t t = 0; t < byTrack.size(); ++t) {
+        std::stable_sort(byTrack[t].begin(), byTrack[t].end(),
+                         [](const ListedEvent* a, const ListedEvent* b) { return a->absTick < b->absTick; });
+        MidiTrack& track = tracks_[t];
+        int32_t previousTick = 0;
+        for (const ListedEvent* le : byTrack[t]) {
+            MidiEvent e;
+            e.eType = le->event.eType;
+            e.eData = le->event.eData;
+            e.deltaTick = le->absTick - previousTick;
+            previousTick = le->absTick;
+            try {
+                track.addEvent(e);
+            } catch (const MidiError& error) {
+                return error.number();
+            }
+        }
+        if (track.trkNEvents() == 0 || !track.events().back().isMeta(0x2F))
+            track.c_addEndOfTrack(0);
+    }
+    return setEvtsAbsMSecs();
+}
+
+std::string MidiFile::makeMidiStr() const
+{
+    std::string bytes = "MThd";
+    appendBigEndian(bytes, 6, 4);
+    appendBigEndian(bytes, static_cast<uint16_t>(format_), 2);
+    appendBigEndian(bytes, static_cast<uint16_t>(numOfTracks()), 2);
+    appendBigEndian(bytes, static_cast<uint16_t>(division_), 2);
+    for (const MidiTrack& t : tracks_)
+        bytes += t.makeMidiTrackStr();
+    return bytes;
+}
+
+int32_t MidiFile::toFile(const std::string& path) const
+{
+    const std::string bytes = makeMidiStr();
+    std::error_code ec;
+    if (!std::filesystem::is_directory(path, ec))
+        std::filesystem::remove(path, ec);
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return midierr::kPathFileAccessError;
+    bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    written = std::fclose(file) == 0 && written;
+    return written ? 0 : midierr::kDeviceIoError;
+}
+
+}  // namespace tarabix
