@@ -1,0 +1,275 @@
+#include "oud/view/UdDisplay.h"
+
+#include "base/Rounding.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+namespace tarabix {
+
+namespace {
+
+constexpr int32_t kOctaves = 10;
+constexpr int32_t kLetterGap = 2;
+const QColor kHighlightFrame(192, 0, 0);
+const QColor kRestingFrame(221, 190, 165);
+const QColor kHighlightFill(255, 255, 204);
+
+int32_t halfEven(double value)
+{
+    return roundHalfEvenInt(value);
+}
+
+}  // namespace
+
+UdDisplay::UdDisplay(UdResources resources)
+    : m_res(std::move(resources))
+{
+    m_picUdCloneUnmarked = m_res.fingerboard.convertToFormat(QImage::Format_RGB32);
+    m_picUdClone = m_picUdCloneUnmarked.copy();
+    m_picUd = m_picUdCloneUnmarked.copy();
+}
+
+void UdDisplay::attach(mUdCtrl* model)
+{
+    m_model = model;
+    if (!model)
+        return;
+    model->onRestorePicture = [this] { restorePicture(); };
+    model->onOrientationChanged = [this](int32_t oldOrient, int32_t newOrient) { flipPicture(oldOrient, newOrient); };
+}
+
+bool UdDisplay::ready() const
+{
+    return m_model && m_model->curTuningId() != -1 && !m_picUd.isNull();
+}
+
+void UdDisplay::changed(const QRect& rect)
+{
+    if (!m_batching && onChanged)
+        onChanged(rect.intersected(m_picUd.rect()));
+}
+
+void UdDisplay::flipPicture(int32_t oldOrientation, int32_t newOrientation)
+{
+    const int32_t flip = oldOrientation ^ newOrientation;
+    m_picUdCloneUnmarked = m_picUdCloneUnmarked.mirrored((flip & kFlipHorizontal) != 0, (flip & kFlipVertical) != 0);
+    restorePicture();
+}
+
+void UdDisplay::restorePicture()
+{
+    m_picUdClone = m_picUdCloneUnmarked.copy();
+    m_picUd = m_picUdCloneUnmarked.copy();
+    changed(m_picUd.rect());
+}
+
+std::optional<PicPoint> UdDisplay::pointOfPitch(int32_t note, int32_t cents) const
+{
+    if (!ready() || note < 0 || 2 * int64_t{note} + 1 >= kPositionCount)
+        return std::nullopt;
+    const PositionEntry home = m_model->positionAt(2 * note);
+    if (cents == 0 || cents == 50) {
+        const PositionEntry e = cents == 0 ? home : m_model->positionAt(2 * note + 1);
+        if (e.x < 0)
+            return std::nullopt;
+        return PicPoint{e.x, e.y};
+    }
+    if (home.x < 0)
+        return std::nullopt;
+    // Shifts other than a quarter tone are placed along the string by their own fraction of the
+    // sounding length; unlike the table this is not stretched to the drawn zone, so they sit
+    // nearer the nut than a table entry of the same pitch would.
+    const size_t s = static_cast<size_t>(home.string);
+    const double d = (double(note) - m_model->curStringPitch()[s]) * 100.0 + cents;
+    const double f = 1.0 - std::pow(2.0, -d / 1200.0);
+    const PicPoint a = m_model->curStringA()[s];
+    const PicPoint b = m_model->curStringB()[s];
+    const PicPoint p{halfEven((b.x - a.x) * f + a.x), halfEven((b.y - a.y) * f + a.y)};
+    if (p.x < 0)
+        return std::nullopt;
+    return p;
+}
+
+QRect UdDisplay::circleMarkRect(PicPoint centre) const
+{
+    // Every erase uses the finger-1 record: all cells share one size and one centre.
+    const MarkRecord& r = m_res.marks[1];
+    return QRect(centre.x - r.xOffset, centre.y - r.yOffset, m_res.markWidth(), m_res.markHeight());
+}
+
+QRect UdDisplay::labelRect(PicPoint centre) const
+{
+    const int32_t w = m_res.glyphs.boxWidth;
+    const int32_t h = m_res.glyphs.boxHeight;
+    return QRect(centre.x - halfEven((w - 1) / 2.0), centre.y - halfEven((h - 1) / 2.0), w, h);
+}
+
+void UdDisplay::copyRestingToDisplayed(const QRect& rect)
+{
+    QPainter p(&m_picUd);
+    p.setCompositionMode(QPainter::CompositionMode_Source);
+    p.drawImage(rect.topLeft(), m_picUdClone, rect);
+    p.end();
+    changed(rect);
+}
+
+int32_t UdDisplay::drawCircleMark(int32_t note, int32_t cents, bool alsoOnResting, bool scaleMark)
+{
+    const auto point = pointOfPitch(note, cents);
+    if (!point)
+        return 0;
+    const int32_t cell = scaleMark ? kRestingMarkCell : m_model->fingerFor(note, cents != 0);
+    if (cell < 0 || cell >= kMarkCellCount)
+        return 0;
+    const MarkRecord& r = m_res.marks[static_cast<size_t>(cell)];
+    const QPoint topLeft(point->x - r.xOffset, point->y - r.yOffset);
+    const QRect source(cell * m_res.markWidth(), 0, m_res.markWidth(), m_res.markHeight());
+    // The strip's transparent colour was made alpha 0 on loading, so blending skips it.
+    for (QImage* layer : {&m_picUd, alsoOnResting ? &m_picUdClone : nullptr}) {
+        if (!layer)
+            continue;
+        QPainter p(layer);
+        p.drawImage(topLeft, m_res.markStrip, source);
+    }
+    changed(QRect(topLeft, source.size()));
+    return 1;
+}
+
+void UdDisplay::eraseCircleMark(int32_t note, int32_t cents)
+{
+    if (const auto point = pointOfPitch(note, cents))
+        copyRestingToDisplayed(circleMarkRect(*point));
+}
+
+QImage UdDisplay::buildLabel(bool highlighted, int32_t letter, int32_t accidental) const
+{
+    const GlyphTable& g = m_res.glyphs;
+    const int32_t letterGlyph = m_presentation.nameSystem + 2 * letter;
+    const int32_t accidentalGlyph = accidentalGlyphIndex(accidental);
+    int32_t w = g.letterWidths[static_cast<size_t>(letterGlyph)];
+    if (accidentalGlyph >= 0)
+        w += kLetterGap + g.accidentalWidth;
+
+    QImage box(g.boxWidth, g.boxHeight, QImage::Format_RGB32);
+    // Light yellow takes the place of white on a highlighted label; the glyphs blend onto the
+    // fill, so their soft edges match it.
+    box.fill(highlighted ? kHighlightFill : QColor(Qt::white));
+    QPainter p(&box);
+    const int32_t x = halfEven((g.boxWidth + 1 - w) / 2.0);
+    const int32_t y = halfEven((g.boxHeight - g.height) / 2.0);
+    const int32_t letterW = g.letterWidths[static_cast<size_t>(letterGlyph)];
+    p.drawImage(QPoint(x, y), m_res.glyphStrip, QRect(g.letterX(letterGlyph), 0, letterW, g.height));
+    if (accidentalGlyph >= 0)
+        p.drawImage(QPoint(x + letterW + kLetterGap, y), m_res.glyphStrip,
+                    QRect(g.accidentalX(accidentalGlyph), 0, g.accidentalWidth, g.height));
+    p.setPen(highlighted ? kHighlightFrame : kRestingFrame);
+    p.setBrush(Qt::NoBrush);
+    p.drawRect(0, 0, g.boxWidth - 1, g.boxHeight - 1);
+    p.end();
+    return box;
+}
+
+int32_t UdDisplay::drawNameLabel(int32_t note, int32_t cents, bool highlighted, int32_t letter, int32_t accidental,
+                                 bool alsoOnResting)
+{
+    const auto point = pointOfPitch(note, cents);
+    if (!point)
+        return 0;
+    if (letter < 0 || letter > 6 || (m_presentation.nameSystem != kNamesWestern &&
+                                     m_presentation.nameSystem != kNamesSolfege))
+        return 0;
+    const QImage box = buildLabel(highlighted, letter, accidental);
+    const QRect rect = labelRect(*point);
+    for (QImage* layer : {&m_picUd, alsoOnResting ? &m_picUdClone : nullptr}) {
+        if (!layer)
+            continue;
+        QPainter p(layer);
+        p.drawImage(rect.topLeft(), box);
+    }
+    changed(rect);
+    return 1;
+}
+
+void UdDisplay::eraseNameLabel(int32_t note, int32_t cents)
+{
+    if (const auto point = pointOfPitch(note, cents))
+        copyRestingToDisplayed(labelRect(*point));
+}
+
+int32_t UdDisplay::rangeSide(int32_t note, int32_t cents) const
+{
+    if (!ready())
+        return kRangeUnknown;
+    const int32_t low = m_model->lowestNote();
+    const int32_t lowCents = m_model->lowestCents();
+    const int32_t high = m_model->highestNote();
+    if (note < low || (note == low && cents < lowCents))
+        return kRangeBelow;
+    // The top of the range is measured against the lowest string's cents, not the top string's.
+    if (note > high || (note == high && cents > lowCents))
+        return kRangeAbove;
+    return kRangeInside;
+}
+
+void UdDisplay::drawResting(int32_t mode, int32_t note, int32_t cents, SpelledNote spelling)
+{
+    if (mode == kPresNames)
+        drawNameLabel(note, cents, false, spelling.letterIndex, spelling.accidental, true);
+    else if (mode == kPresCircles)
+        drawCircleMark(note, cents, true, true);
+}
+
+void UdDisplay::redrawResting()
+{
+    m_picUdClone = m_picUdCloneUnmarked.copy();
+    m_picUd = m_picUdCloneUnmarked.copy();
+    m_batching = true;
+    const bool maqam = m_scale.maqamSelected;
+    const int32_t mode = maqam ? m_presentation.restMaqam : m_presentation.restNoMaqam;
+    const int32_t degrees = maqam ? 7 : 12;
+    for (int32_t d = 0; d < degrees && ready() && mode != kPresNothing; ++d) {
+        const int32_t pc = maqam ? m_scale.pitchClass[static_cast<size_t>(d)] : d;
+        const int32_t cents = maqam ? m_scale.cents[static_cast<size_t>(d)] : 0;
+        const SpelledNote spelling = m_speller ? m_speller(pc, cents) : SpelledNote{-1, kNatural};
+        for (int32_t k = 0; k < kOctaves; ++k)
+            drawResting(mode, pc + 12 * k, cents, spelling);
+    }
+    m_batching = false;
+    changed(m_picUd.rect());
+}
+
+int32_t UdDisplay::playMode() const
+{
+    return m_scale.maqamSelected ? m_presentation.playMaqam : m_presentation.playNoMaqam;
+}
+
+int32_t UdDisplay::noteOnDisplay(int32_t note, int32_t cents, bool shown)
+{
+    if (!shown)
+        return kRangeInside;
+    const int32_t mode = playMode();
+    int32_t drawn = 0;
+    if (mode == kPresNames && m_speller) {
+        const SpelledNote s = m_speller(note, cents);
+        drawn = drawNameLabel(note, cents, true, s.letterIndex, s.accidental, false);
+    } else if (mode == kPresCircles) {
+        drawn = drawCircleMark(note, cents, false, false);
+    }
+    return drawn ? kRangeInside : rangeSide(note, cents);
+}
+
+bool UdDisplay::noteOffDisplay(int32_t note, int32_t cents, bool shown)
+{
+    if (!shown)
+        return false;
+    const int32_t mode = playMode();
+    if (mode == kPresNames)
+        eraseNameLabel(note, cents);
+    else if (mode == kPresCircles)
+        eraseCircleMark(note, cents);
+    return true;
+}
+
+}  // namespace tarabix

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "oud/model/NoteNames.h"
+#include "oud/model/mUdCtrl.h"
+#include "oud/view/UdResources.h"
+
+#include <QImage>
+#include <QRect>
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace tarabix {
+
+// What the fingerboard shows in each situation: 0 nothing, 1 name labels, 2 circle marks.
+inline constexpr int32_t kPresNothing = 0;
+inline constexpr int32_t kPresNames = 1;
+inline constexpr int32_t kPresCircles = 2;
+
+struct NotePresentation {
+    int32_t restNoMaqam = kPresCircles;
+    int32_t restMaqam = kPresCircles;
+    int32_t playNoMaqam = kPresCircles;
+    int32_t playMaqam = kPresCircles;
+    int32_t nameSystem = kNamesWestern;
+};
+
+// The scale shown at rest: the seven degrees of the selected maqam (pitch classes already moved to
+// the tonic, with each degree's shift in cents), or the twelve semitones when none is selected.
+struct RestingScale {
+    bool maqamSelected = false;
+    std::array<int32_t, 7> pitchClass{};
+    std::array<int32_t, 7> cents{};
+};
+
+// How a pitch is spelled in the current maqam context.
+using PitchSpeller = std::function<SpelledNote(int32_t note, int32_t cents)>;
+
+// Range sides of a pitch against the instrument.
+inline constexpr int32_t kRangeUnknown = -99;
+inline constexpr int32_t kRangeBelow = -1;
+inline constexpr int32_t kRangeInside = 0;
+inline constexpr int32_t kRangeAbove = 1;
+
+// The fingerboard display: three picture layers and the marks and labels drawn on them. It only
+// draws; sending the note is the window's business. Drawing never fails loudly: a pitch off the
+// fingerboard, or a model without a tuning yet, draws nothing and answers 0.
+class UdDisplay {
+public:
+    explicit UdDisplay(UdResources resources);
+
+    // Hooks itself into the model's picture restore and orientation flip. The model must outlive
+    // this display or be detached by attaching another.
+    void attach(mUdCtrl* model);
+
+    void setPresentation(const NotePresentation& presentation) { m_presentation = presentation; }
+    const NotePresentation& presentation() const { return m_presentation; }
+    void setRestingScale(const RestingScale& scale) { m_scale = scale; }
+    void setSpeller(PitchSpeller speller) { m_speller = std::move(speller); }
+
+    // Told every rectangle of picUd that changed, in picture pixels.
+    std::function<void(const QRect&)> onChanged;
+
+    const QImage& picUd() const { return m_picUd; }
+    const QImage& picUdClone() const { return m_picUdClone; }
+    const QImage& picUdCloneUnmarked() const { return m_picUdCloneUnmarked; }
+
+    // The clean picture turned by (old XOR new) orientation, shown without marks.
+    void flipPicture(int32_t oldOrientation, int32_t newOrientation);
+    // Every mark dropped: the clean picture on the resting and displayed layers.
+    void restorePicture();
+
+    // Where a pitch is drawn in the picture as currently oriented; empty when off the fingerboard.
+    std::optional<PicPoint> pointOfPitch(int32_t note, int32_t cents) const;
+
+    int32_t drawCircleMark(int32_t note, int32_t cents, bool alsoOnResting, bool scaleMark);
+    void eraseCircleMark(int32_t note, int32_t cents);
+    int32_t drawNameLabel(int32_t note, int32_t cents, bool highlighted, int32_t letter, int32_t accidental,
+                          bool alsoOnResting);
+    void eraseNameLabel(int32_t note, int32_t cents);
+    int32_t rangeSide(int32_t note, int32_t cents) const;
+    void redrawResting();
+
+    // A sounding note on a channel whose notes are shown or not. Returns the rangeSide to indicate
+    // in the window when nothing could be drawn, else 0.
+    int32_t noteOnDisplay(int32_t note, int32_t cents, bool shown);
+    // The note ends; true when the window should clear its out-of-range indication.
+    bool noteOffDisplay(int32_t note, int32_t cents, bool shown);
+
+    QRect circleMarkRect(PicPoint centre) const;
+    QRect labelRect(PicPoint centre) const;
+
+private:
+    bool ready() const;
+    int32_t playMode() const;
+    void changed(const QRect& rect);
+    void copyRestingToDisplayed(const QRect& rect);
+    QImage buildLabel(bool highlighted, int32_t letter, int32_t accidental) const;
+    void drawResting(int32_t mode, int32_t note, int32_t cents, SpelledNote spelling);
+
+    UdResources m_res;
+    QImage m_picUd;
+    QImage m_picUdClone;
+    QImage m_picUdCloneUnmarked;
+    mUdCtrl* m_model = nullptr;
+    NotePresentation m_presentation;
+    RestingScale m_scale;
+    PitchSpeller m_speller;
+    bool m_batching = false;
+};
+
+}  // namespace tarabix

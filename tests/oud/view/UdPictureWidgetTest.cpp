@@ -1,0 +1,93 @@
+#include "oud/view/UdDisplay.h"
+#include "oud/view/UdPictureWidget.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace tarabix {
+namespace {
+
+struct WidgetRig {
+    mUdCtrl model;
+    UdDisplay display{loadUdResources(QStringLiteral(TARABIX_SOURCE_DIR "/data")).resources};
+    UdPictureWidget widget{&display};
+
+    explicit WidgetRig(QSize size)
+    {
+        display.attach(&model);
+        model.loadTuningsText("7 :: F2 - A2 - D3 - G3 - C4 - F4 :: Fa - La - Re - Sol - Do - Fa :: 41 45 50 55 60 65\r\n");
+        model.applyTuning(7, 0);
+        widget.resize(size);
+    }
+};
+
+TEST(UdPictureWidget, MapsPointsBothWaysAtAnyScale)
+{
+    // Natural size, a full-HD window's 2.5 times, and a window wider than the picture's shape.
+    const QSize sizes[] = {{743, 188}, {1857, 470}, {1200, 188}};
+    for (const QSize size : sizes) {
+        SCOPED_TRACE(std::to_string(size.width()) + "x" + std::to_string(size.height()));
+        WidgetRig rig(size);
+        const QRectF area = rig.widget.pictureArea();
+        EXPECT_NEAR(area.width() / area.height(), 743.0 / 188.0, 0.01);
+        EXPECT_NEAR(area.center().x(), size.width() / 2.0, 0.5);
+        const double scale = area.width() / 743.0;
+        for (const QPoint pixel : {QPoint(0, 0), QPoint(59, 111), QPoint(742, 187)}) {
+            // The widget pixel under the middle of the scaled picture pixel.
+            const QPointF m = area.topLeft() + (QPointF(pixel) + QPointF(0.5, 0.5)) * scale;
+            const QPoint middle(static_cast<int>(std::floor(m.x())), static_cast<int>(std::floor(m.y())));
+            const QPointF back = rig.widget.toPicture(QPointF(middle));
+            EXPECT_NEAR(back.x(), pixel.x(), 0.5);
+            EXPECT_NEAR(back.y(), pixel.y(), 0.5);
+            EXPECT_TRUE(rig.widget.toWidget(QRect(pixel, QSize(1, 1))).contains(middle));
+        }
+    }
+    WidgetRig natural({743, 188});
+    EXPECT_EQ(natural.widget.toPicture(QPointF(59, 111)), QPointF(59, 111));
+}
+
+TEST(UdPictureWidget, PressesArriveInPictureUnits)
+{
+    WidgetRig rig({1486, 376});
+    QSignalSpy pressed(&rig.widget, &UdPictureWidget::picturePressed);
+    QTest::mouseClick(&rig.widget, Qt::LeftButton, {}, QPoint(2 * 59 + 1, 2 * 111 + 1));
+    ASSERT_EQ(pressed.count(), 1);
+    const auto point = pressed.at(0).at(0).value<PicPointF>();
+    EXPECT_NEAR(point.x, 59.0, 0.5);
+    EXPECT_NEAR(point.y, 111.0, 0.5);
+    EXPECT_EQ(pressed.at(0).at(1).value<Qt::MouseButton>(), Qt::LeftButton);
+}
+
+int distance(const QColor& a, const QColor& b)
+{
+    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue());
+}
+
+TEST(UdPictureWidget, ShowsTheMarkWhereItWasDrawn)
+{
+    WidgetRig rig({1486, 376});
+    rig.display.drawCircleMark(52, 0, false, false);
+    const PicPoint p = *rig.display.pointOfPitch(52, 0);
+    const QImage shown = rig.widget.grab().toImage();
+    // Across the mark's square the window must look like the marked layer, not the resting one.
+    const QRect mark = rig.widget.toWidget(rig.display.circleMarkRect(p)).adjusted(4, 4, -4, -4);
+    int likeMarked = 0, total = 0;
+    for (int y = mark.top(); y <= mark.bottom(); ++y) {
+        for (int x = mark.left(); x <= mark.right(); ++x) {
+            const QPointF pic = rig.widget.toPicture(QPointF(x, y));
+            const QPoint px(static_cast<int>(std::lround(pic.x())), static_cast<int>(std::lround(pic.y())));
+            const QColor seen = shown.pixelColor(x, y);
+            likeMarked += distance(seen, rig.display.picUd().pixelColor(px)) <
+                          distance(seen, rig.display.picUdClone().pixelColor(px));
+            ++total;
+        }
+    }
+    EXPECT_GT(likeMarked, total * 8 / 10);
+}
+
+}  // namespace
+}  // namespace tarabix
