@@ -1,0 +1,187 @@
+#include "midi/MzfContainer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace tarabix {
+namespace {
+
+std::string le32(int64_t v)
+{
+    std::string out;
+    for (int i = 0; i < 4; ++i)
+        out.push_back(static_cast<char>(static_cast<uint64_t>(v) >> (8 * i) & 0xFF));
+    return out;
+}
+
+// A directory of (id, length) pairs as the file stores it, without any part bytes.
+std::string directory(int32_t count, std::initializer_list<std::pair<int32_t, int64_t>> entries)
+{
+    std::string out = le32(count);
+    for (const auto& [id, length] : entries)
+        out += le32(id) + le32(length);
+    return out;
+}
+
+class MzfFile : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        dir_ = std::filesystem::temp_directory_path() /
+               ("tarabix-mzf-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        std::filesystem::create_directories(dir_);
+    }
+    void TearDown() override { std::filesystem::remove_all(dir_); }
+
+    std::string write(const std::string& name, const std::string& content)
+    {
+        const std::string path = (dir_ / name).string();
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
+
+    std::filesystem::path dir_;
+};
+
+struct ParseCase {
+    const char* what;
+    std::string content;
+    int32_t result;
+};
+
+TEST(MzfParse, ResultCodes)
+{
+    const std::vector<ParseCase> cases = {
+        {"count zero", directory(0, {}) + "xxxx", mzf::kBadCount},
+        {"negative count", le32(-3) + std::string(40, 'x'), mzf::kBadCount},
+        {"empty content", "", mzf::kMalformed},
+        {"count cut short", le32(1).substr(0, 3), mzf::kMalformed},
+        {"nothing after the directory", directory(1, {{1001, 0}}), mzf::kNoBytesAfterDir},
+        {"directory itself cut short", directory(2, {{1001, 0}}), mzf::kNoBytesAfterDir},
+        {"one byte after an empty part", directory(1, {{1001, 0}}) + "z", 1},
+        {"part longer than the content", directory(1, {{1001, 5}}) + "abcd", mzf::kTooShort},
+        {"two parts beyond the content", directory(2, {{1001, 3}, {2001, 3}}) + "abcde", mzf::kTooShort},
+        {"a part claiming 2 GB", directory(1, {{1001, 0x7FFFFFFF}}) + "abc", mzf::kTooShort},
+        {"lengths whose 32-bit sum wraps", directory(2, {{1001, 0x7FFFFFFF}, {2001, 0x7FFFFFFF}}) + "ab",
+         mzf::kTooShort},
+        {"a negative length hidden by the sum", directory(2, {{1001, -2}, {2001, 4}}) + "abcd",
+         mzf::kMalformed},
+        {"a count of 2^31 - 1", le32(0x7FFFFFFF) + std::string(64, 'x'), mzf::kNoBytesAfterDir},
+        {"trailing bytes", directory(2, {{1001, 2}, {2001, 1}}) + "abc" + "trailing", 2},
+    };
+    for (const ParseCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::vector<int32_t> ids{7};
+        std::vector<std::string> parts{"stale"};
+        const int32_t result = parseMultiPart(c.content, ids, parts);
+        EXPECT_EQ(result, c.result);
+        const size_t expected = result > 0 ? static_cast<size_t>(result) : 0;
+        EXPECT_EQ(ids.size(), expected);
+        EXPECT_EQ(parts.size(), expected);
+    }
+}
+
+TEST(MzfParse, CutsPartsInOrderWithoutGaps)
+{
+    std::vector<int32_t> ids;
+    std::vector<std::string> parts;
+    ASSERT_EQ(parseMultiPart(directory(3, {{1001, 3}, {5, 0}, {2001, 2}}) + "MIDPNG!!", ids, parts), 3);
+    EXPECT_EQ(ids, (std::vector<int32_t>{1001, 5, 2001}));
+    EXPECT_EQ(parts, (std::vector<std::string>{"MID", "", "PN"}));
+}
+
+TEST(MzfWrite, RoundTripsThroughTheParser)
+{
+    const std::string binary("\0\xFF\x80z", 4);
+    const std::vector<std::vector<MzfPart>> sets = {
+        {{1001, "MThd..."}, {2001, binary}},
+        {{1001, ""}},
+        {{1001, ""}, {2001, ""}},
+        {{-5, "a"}, {0, ""}, {123456789, std::string(1000, 'q')}},
+    };
+    for (const auto& set : sets) {
+        SCOPED_TRACE(set.size());
+        std::vector<int32_t> ids;
+        std::vector<std::string> parts;
+        ASSERT_EQ(parseMultiPart(makeMultiPart(set), ids, parts), static_cast<int32_t>(set.size()));
+        for (size_t i = 0; i < set.size(); ++i) {
+            EXPECT_EQ(ids[i], set[i].id);
+            EXPECT_EQ(parts[i], set[i].bytes);
+        }
+    }
+    const std::vector<MzfPart> one{{1001, "ab"}};
+    EXPECT_EQ(makeMultiPart(one), directory(1, {{1001, 2}}) + "ab");
+}
+
+TEST_F(MzfFile, Extractors)
+{
+    struct Case {
+        const char* what;
+        std::string content;
+        int32_t midiStatus;
+        std::string midi;
+        bool hasSheet;
+        int32_t sheetStatus;
+        std::string sheet;
+    };
+    const std::vector<Case> cases = {
+        {"empty MIDI part and one trailing byte", directory(1, {{1001, 0}}) + "z", 0, "", false, mzf::kNotUsable, ""},
+        {"nothing after the directory", directory(1, {{1001, 0}}), mzf::kNotUsable, "", false, mzf::kNotUsable, ""},
+        {"MIDI and sheet", directory(2, {{1001, 2}, {2001, 3}}) + "MMSSS", 0, "MM", true, 0, "SSS"},
+        {"second part not a sheet", directory(2, {{1001, 2}, {3000, 3}}) + "MMxxx", 0, "MM", false, mzf::kNotUsable, ""},
+        {"first part not MIDI, sheet still found", directory(2, {{7, 1}, {2001, 1}}) + "xS", mzf::kNotUsable, "", false,
+         0, "S"},
+        {"count zero", directory(0, {}) + "zzzz", mzf::kNotUsable, "", false, mzf::kNotUsable, ""},
+        {"parts beyond the file", directory(2, {{1001, 9}, {2001, 9}}) + "short", mzf::kNotUsable, "", false,
+         mzf::kNotUsable, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string path = write("piece.mzf", c.content);
+        std::string midi = "old";
+        bool hasSheet = false;
+        EXPECT_EQ(getMzfMidi(path, midi, hasSheet), c.midiStatus);
+        EXPECT_EQ(midi, c.midiStatus == 0 ? c.midi : "old");
+        EXPECT_EQ(hasSheet, c.hasSheet);
+        std::string sheet;
+        EXPECT_EQ(getMzfSheet(path, sheet), c.sheetStatus);
+        EXPECT_EQ(sheet, c.sheet);
+    }
+}
+
+TEST_F(MzfFile, HasSheetKeepsTheCallersValueWithoutASheet)
+{
+    const std::string path = write("a.mzf", directory(1, {{1001, 1}}) + "M");
+    std::string midi;
+    bool hasSheet = true;
+    EXPECT_EQ(getMzfMidi(path, midi, hasSheet), 0);
+    EXPECT_TRUE(hasSheet);
+}
+
+TEST_F(MzfFile, UnreadableFiles)
+{
+    std::vector<int32_t> ids;
+    std::vector<std::string> parts;
+    EXPECT_EQ(readMultiPartFile((dir_ / "missing.mzf").string(), ids, parts), mzf::kBadCount);
+    EXPECT_EQ(readMultiPartFile(dir_.string(), ids, parts), mzf::kBadCount);
+    std::string midi;
+    bool hasSheet = false;
+    EXPECT_EQ(getMzfMidi((dir_ / "missing.mzf").string(), midi, hasSheet), mzf::kNotUsable);
+}
+
+TEST(MzfPath, LastThreeCharactersInAnyCase)
+{
+    for (const char* yes : {"a.mzf", "b.MZF", "C:\\music\\c.Mzf", "mzf", "/x/y.mZf"})
+        EXPECT_TRUE(isMzfPath(yes)) << yes;
+    for (const char* no : {"a.mid", "", "zf", "a.mzf.mid", "a.mz"})
+        EXPECT_FALSE(isMzfPath(no)) << no;
+}
+
+}  // namespace
+}  // namespace tarabix
