@@ -10,5 +10,6 @@ using Args = std::vector<std::string>;
 
 int version(const Args& args);
 int devices(const Args& args);
+int dump(const Args& args);
 
 }  // namespace tarabix::cli

@@ -15,6 +15,7 @@ struct Command {
 constexpr Command kCommands[] = {
     {"version", "version              print the program's name and version", tarabix::cli::version},
     {"devices", "devices [-v]         list the MIDI outputs and their ids (--soundfont FILE)", tarabix::cli::devices},
+    {"dump", "dump FILE            write the text dump of a MIDI file", tarabix::cli::dump},
 };
 
 int usage(std::FILE* out)
