@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+
+namespace tarabix {
+
+// Turns a piece's due channel messages into output, the same way for the window, the command
+// line's player and the offline renderer: muted channels are dropped, notes are moved by the
+// MIDI octave shift (and dropped when that takes them off the keyboard), note-on velocities
+// follow the volume, and a piece's pitch wheel becomes the channel's shift in cents, a quarter
+// tone at a time, while no note sounds on the channel; the next note-on carries it to the device.
+// Everything goes out through the output layer (mMidiMain).
+class PieceRouter {
+public:
+    static constexpr int kChannels = 16;
+
+    // Drawing the fingerboard is the window's business: it hears of every note-on and note-off of
+    // a shown channel, with the shifted note and the channel's shift, just before the device does.
+    std::function<void(int ch, int note, int32_t cents)> markNote;
+    std::function<void(int ch, int note, int32_t cents)> unmarkNote;
+
+    // All channels enabled and shown, no shifts, nothing sounding, volume 127, octave shift 0.
+    PieceRouter();
+
+    void route(uint8_t status, uint8_t c1, uint8_t c2);
+
+    // What playing starts from: no channel shifted, nothing sounding.
+    void resetChannelState();
+
+    bool channelEnabled(int ch) const { return m_enabled.at(ch); }
+    void setChannelEnabled(int ch, bool on) { m_enabled.at(ch) = on; }
+    bool channelShown(int ch) const { return m_shown.at(ch); }
+    void setChannelShown(int ch, bool on) { m_shown.at(ch) = on; }
+    // The shift every later note-on of the channel is played with (a maqam sets it too).
+    int32_t channelCents(int ch) const { return m_cents.at(ch); }
+    void setChannelCents(int ch, int32_t cents) { m_cents.at(ch) = cents; }
+    int32_t soundingNotes(int ch) const { return m_sounding.at(ch); }
+
+    int32_t volume() const { return m_volume; }
+    void setVolume(int32_t volume) { m_volume = volume; }
+    int32_t midiOctShift() const { return m_midiOctShift; }
+    void setMidiOctShift(int32_t octaves) { m_midiOctShift = octaves; }
+
+private:
+    void noteOn(int ch, int note, uint8_t velocity);
+    void noteOff(int ch, int note);
+
+    std::array<bool, kChannels> m_enabled{};
+    std::array<bool, kChannels> m_shown{};
+    std::array<int32_t, kChannels> m_cents{};
+    std::array<int32_t, kChannels> m_sounding{};
+    int32_t m_volume = 127;
+    int32_t m_midiOctShift = 0;
+};
+
+}  // namespace tarabix
