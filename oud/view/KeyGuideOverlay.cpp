@@ -57,7 +57,8 @@ void KeyGuideOverlay::paintEvent(QPaintEvent*)
                                                               m_model->orientation(), m_skipTopString);
             if (!pitch.found())
                 continue;
-            const std::optional<PicPoint> at = m_display->pointOfPitch(pitch.note, pitch.cents);
+            // At the cell's own string, even where the display shows that pitch on a higher one.
+            const std::optional<PicPoint> at = m_model->stringStopPoint(pitch.string, pitch.position);
             if (!at)
                 continue;
             const QPoint centre(int(area.left() + (at->x + 0.5) * area.width() / picture.width()),

@@ -40,6 +40,26 @@ void UdDisplay::attach(mUdCtrl* model)
     model->onOrientationChanged = [this](int32_t oldOrient, int32_t newOrient) { flipPicture(oldOrient, newOrient); };
 }
 
+void UdDisplay::followMaqams(const mMaqams* maqams)
+{
+    m_maqams = maqams;
+    if (maqams)
+        m_speller = [maqams](int32_t note, int32_t cents) { return maqams->spellPitch(note, cents); };
+}
+
+RestingScale UdDisplay::restingScale() const
+{
+    if (!m_maqams)
+        return m_scale;
+    RestingScale scale;
+    scale.maqamSelected = m_maqams->isMaqamSelected();
+    if (scale.maqamSelected) {
+        scale.pitchClass = m_maqams->curMaqam().ipc;
+        scale.cents = m_maqams->curMaqam().cents;
+    }
+    return scale;
+}
+
 bool UdDisplay::ready() const
 {
     return m_model && m_model->curTuningId() != -1 && !m_picUd.isNull();
@@ -226,12 +246,13 @@ void UdDisplay::redrawResting()
     m_picUdClone = m_picUdCloneUnmarked.copy();
     m_picUd = m_picUdCloneUnmarked.copy();
     m_batching = true;
-    const bool maqam = m_scale.maqamSelected;
+    const RestingScale scale = restingScale();
+    const bool maqam = scale.maqamSelected;
     const int32_t mode = maqam ? m_presentation.restMaqam : m_presentation.restNoMaqam;
     const int32_t degrees = maqam ? 7 : 12;
     for (int32_t d = 0; d < degrees && ready() && mode != kPresNothing; ++d) {
-        const int32_t pc = maqam ? m_scale.pitchClass[static_cast<size_t>(d)] : d;
-        const int32_t cents = maqam ? m_scale.cents[static_cast<size_t>(d)] : 0;
+        const int32_t pc = maqam ? scale.pitchClass[static_cast<size_t>(d)] : d;
+        const int32_t cents = maqam ? scale.cents[static_cast<size_t>(d)] : 0;
         const SpelledNote spelling = m_speller ? m_speller(pc, cents) : SpelledNote{-1, kNatural};
         for (int32_t k = 0; k < kOctaves; ++k)
             drawResting(mode, pc + 12 * k, cents, spelling);
@@ -242,7 +263,7 @@ void UdDisplay::redrawResting()
 
 int32_t UdDisplay::playMode() const
 {
-    return m_scale.maqamSelected ? m_presentation.playMaqam : m_presentation.playNoMaqam;
+    return restingScale().maqamSelected ? m_presentation.playMaqam : m_presentation.playNoMaqam;
 }
 
 int32_t UdDisplay::noteOnDisplay(int32_t note, int32_t cents, bool shown)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oud/model/NoteNames.h"
+#include "oud/model/mMaqams.h"
 #include "oud/model/mUdCtrl.h"
 #include "oud/view/UdResources.h"
 
@@ -59,6 +60,10 @@ public:
     const NotePresentation& presentation() const { return m_presentation; }
     void setRestingScale(const RestingScale& scale) { m_scale = scale; }
     void setSpeller(PitchSpeller speller) { m_speller = std::move(speller); }
+    // From now on the resting scale and every spelling come from the maqam current in `maqams`
+    // (which must outlive this display), whatever setRestingScale and setSpeller gave.
+    void followMaqams(const mMaqams* maqams);
+    RestingScale restingScale() const;
 
     // Told every rectangle of picUd that changed, in picture pixels.
     std::function<void(const QRect&)> onChanged;
@@ -108,6 +113,7 @@ private:
     NotePresentation m_presentation;
     RestingScale m_scale;
     PitchSpeller m_speller;
+    const mMaqams* m_maqams = nullptr;
     bool m_batching = false;
 };
 

@@ -317,3 +317,37 @@ TEST(UdDisplay, ASecondOrientationFlipsThePicture)
 
 }  // namespace
 }  // namespace tarabix
+
+namespace tarabix {
+namespace {
+
+TEST(UdDisplay, FollowsTheCurrentMaqam)
+{
+    mMaqams maqams;
+    ASSERT_EQ(maqams.loadMaqams(TARABIX_SOURCE_DIR "/data/maqams.ini"), "");
+    int32_t rast = 0;
+    for (int32_t i = 1; i <= maqams.maqamCount(); ++i)
+        if (maqams.maqamName(i) == "Rast")
+            rast = i;
+    ASSERT_GT(rast, 0);
+    Rig rig;
+    NotePresentation pres;
+    pres.playMaqam = kPresNames;
+    pres.playNoMaqam = kPresCircles;
+    rig.display.setPresentation(pres);
+    rig.display.followMaqams(&maqams);
+    EXPECT_FALSE(rig.display.restingScale().maqamSelected);
+
+    maqams.selectMaqam(rast, 2);  // Rast on D
+    const RestingScale scale = rig.display.restingScale();
+    EXPECT_TRUE(scale.maqamSelected);
+    EXPECT_EQ(scale.pitchClass[0], 2);
+    EXPECT_EQ(scale.cents[2], -50);
+    // A sounding note is now a highlighted label, not a circle.
+    rig.display.noteOnDisplay(54, 0, true);
+    const QRect box = rig.display.labelRect(*rig.display.pointOfPitch(54, 0));
+    EXPECT_EQ(rig.display.picUd().pixel(box.topLeft()), qRgb(192, 0, 0));
+}
+
+}  // namespace
+}  // namespace tarabix
