@@ -1,5 +1,6 @@
 #include "tools/gen/FingerboardPainter.h"
 
+#include "oud/model/FingerboardGeometry.h"
 #include "oud/view/UdResources.h"
 
 #include <QLinearGradient>
@@ -24,18 +25,8 @@ struct Segment {
     QPointF b;
 };
 
-// Nut point and end of the playing zone of each string, string 0 (the lowest) at the bottom.
-constexpr std::array<std::array<int, 4>, 6> kStrings = {{
-    {59, 153, 678, 171},
-    {59, 134, 678, 143},
-    {59, 111, 678, 113},
-    {59, 87, 678, 81},
-    {59, 65, 678, 51},
-    {59, 43, 678, 23},
-}};
-
-constexpr double kNutX = 59.0;
-constexpr double kZoneEndX = 678.0;
+constexpr double kNutX = kStringNut[0].x;
+constexpr double kZoneEndX = kStringEnd[0].x;
 constexpr double kNutLeft = 52.0;
 constexpr double kFingerboardEnd = 708.0;
 
@@ -46,10 +37,9 @@ QPointF centre(int x, int y)
     return {x + 0.5, y + 0.5};
 }
 
-Segment stringSegment(int s)
+Segment stringSegment(size_t s)
 {
-    const auto& t = kStrings[static_cast<size_t>(s)];
-    return {centre(t[0], t[1]), centre(t[2], t[3])};
+    return {centre(kStringNut[s].x, kStringNut[s].y), centre(kStringEnd[s].x, kStringEnd[s].y)};
 }
 
 double yOnLine(const Segment& seg, double x)
@@ -58,8 +48,8 @@ double yOnLine(const Segment& seg, double x)
 }
 
 // The fingerboard's long edges run parallel to the outer strings, a little outside them.
-const Segment kTopEdge{{kNutX, 43.5 - 11.0}, {kZoneEndX, 23.5 - 14.0}};
-const Segment kBottomEdge{{kNutX, 153.5 + 11.0}, {kZoneEndX, 171.5 + 13.0}};
+const Segment kTopEdge{{kNutX, kStringNut[5].y + 0.5 - 11.0}, {kZoneEndX, kStringEnd[5].y + 0.5 - 14.0}};
+const Segment kBottomEdge{{kNutX, kStringNut[0].y + 0.5 + 11.0}, {kZoneEndX, kStringEnd[0].y + 0.5 + 13.0}};
 
 // The round body meets the neck along an arc; the soundboard lies to the right of it.
 constexpr double kBodyCentreX = 1000.0;
@@ -276,9 +266,9 @@ Course courseOf(int s)
 
 void paintStrings(QPainter& p)
 {
-    for (int s = 0; s < 6; ++s) {
+    for (size_t s = 0; s < kStringNut.size(); ++s) {
         const Segment seg = stringSegment(s);
-        const Course c = courseOf(s);
+        const Course c = courseOf(static_cast<int>(s));
         // From the peg hole in the pegbox to the right edge, straight through nut and zone end.
         const QPointF from(14.0 + (s % 3) * 12.0, yOnLine(seg, 14.0 + (s % 3) * 12.0));
         const QPointF to(kW + 2.0, yOnLine(seg, kW + 2.0));
