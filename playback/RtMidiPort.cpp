@@ -23,7 +23,8 @@ constexpr RtMidi::Api kApi =
 constexpr const char* kClientName = "Tarabix";
 
 // RtMidi prints its errors to std::cerr before it throws them. The text goes to the diagnostics
-// instead; the caller learns of the failure from the exception.
+// instead; the caller learns of the failure from the exception. std::cerr is the process's, so
+// this runs only around RtMidi's set-up calls, which come from the user-interface thread.
 class CerrToDiagnostics {
 public:
     CerrToDiagnostics() : m_saved(std::cerr.rdbuf(m_captured.rdbuf())) {}

@@ -1,6 +1,7 @@
 #include "playback/FluidSynthPort.h"
 #include "playback/SoundFontLocator.h"
 #include "playback/SynthDiagnostics.h"
+#include "playback/mMidiMain.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,25 @@ TEST(FluidSynthPort, WithoutAnAudioDeviceOpenFailsAndSaysWhy)
         // A second try (the window's activity timer) fails the same way.
         EXPECT_EQ(port.open(), kMidiOutNoDevice);
     }
+}
+
+// What the window meets at start-up on a machine without sound: the mapper's code and reason,
+// and a program that runs on.
+TEST(FluidSynthPort, TheMapperOnAMachineWithoutSoundFailsThroughTheOutputLayer)
+{
+    if (machineHasSoundCard())
+        GTEST_SKIP() << "this machine has a sound card";
+    resetMidiMainState();
+    EXPECT_EQ(getMidiDeviceId(), kMidiMapperId);
+    EXPECT_EQ(reopenMidiOut(), kMidiOutNoDevice);
+    EXPECT_EQ(midiOutFailureReason(), "no audio output device");
+    midiNoteOn(0, 60, 50, 100);
+    midiOutReset();
+    EXPECT_EQ(closeMidiOut(), kMidiOutInvalidHandle);
+    const std::vector<MidiOutDevice> devices = listMidiOutDevices();
+    ASSERT_FALSE(devices.empty());
+    EXPECT_EQ(devices.front(), (MidiOutDevice{-1, "MIDI Mapper"}));
+    resetMidiMainState();
 }
 
 TEST(FluidSynthPort, LogGoesToDiagnosticsNotStderr)
