@@ -1,0 +1,154 @@
+#include "app/fNotesOpts.h"
+
+#include "settings/UserSettings.h"
+
+#include <QButtonGroup>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <initializer_list>
+
+namespace tarabix {
+
+int presToIndex(int32_t value)
+{
+    if (value < 0 || value > 2)
+        return -1;
+    return (value + 2) % 3;
+}
+
+int32_t indexToPres(int index)
+{
+    if (index < 0 || index > 2)
+        return -1;
+    return (index + 1) % 3;
+}
+
+namespace {
+
+// A frame of radio buttons whose ids are their indexes, top to bottom.
+QButtonGroup* addChoiceGroup(QWidget* owner, QLayout* into, const QString& caption,
+                             std::initializer_list<const char*> captions)
+{
+    auto* frame = new QGroupBox(caption, owner);
+    auto* layout = new QVBoxLayout(frame);
+    auto* group = new QButtonGroup(owner);
+    int index = 0;
+    for (const char* text : captions) {
+        auto* button = new QRadioButton(QString::fromUtf8(text), frame);
+        group->addButton(button, index++);
+        layout->addWidget(button);
+    }
+    into->addWidget(frame);
+    return group;
+}
+
+void checkIndex(QButtonGroup* group, int index)
+{
+    if (QAbstractButton* button = group->button(index))
+        button->setChecked(true);
+}
+
+// The first set button, scanning from index 0; -1 when the group has none set.
+int setIndex(const QButtonGroup* group)
+{
+    for (int index = 0; QAbstractButton* button = group->button(index); ++index)
+        if (button->isChecked())
+            return index;
+    return -1;
+}
+
+}  // namespace
+
+fNotesOpts::fNotesOpts(const NotesDisplayOptions& options, UserSettings& settings, QWidget* parent)
+    : QDialog(parent), m_options(options), m_settings(settings)
+{
+    buildControls();
+    checkIndex(optMaqamStatic, presToIndex(m_options.presRestMaqam));
+    checkIndex(optPlayMaq, presToIndex(m_options.presPlayMaqam));
+    checkIndex(optNoMaqamStatic, presToIndex(m_options.presRestNoMaqam));
+    checkIndex(optPlayNoMaq, presToIndex(m_options.presPlayNoMaqam));
+    checkIndex(optNoteNamesType, m_options.noteNamesType);
+}
+
+void fNotesOpts::buildControls()
+{
+    setWindowTitle(tr("Note Display Options"));
+    setWindowModality(Qt::WindowModal);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel(QStringLiteral("Set how notes are displayed on the Oud"), this));
+
+    optNoteNamesType = addChoiceGroup(this, layout, QStringLiteral("Note Names"),
+                                      {"English names: (C, D, E, F, G, A, B)",
+                                       "French names: (D, R, M, ... for Do, Re, Mi, ...)"});
+
+    const QString staticCaption = QStringLiteral("Static View (when no note is played)");
+    const QString playedCaption = QStringLiteral("Played Note");
+
+    auto* noMaqam = new QGroupBox(QStringLiteral("When No Maqam Is Selected"), this);
+    auto* noMaqamLayout = new QHBoxLayout(noMaqam);
+    optNoMaqamStatic = addChoiceGroup(noMaqam, noMaqamLayout, staticCaption,
+                                      {"Note names every 1/2 tone", "Marking circles every 1/2 tone", "No marks"});
+    optPlayNoMaq = addChoiceGroup(noMaqam, noMaqamLayout, playedCaption,
+                                  {"Note name highlighted", "Colored Circle", "No effect"});
+    layout->addWidget(noMaqam);
+
+    auto* maqam = new QGroupBox(QStringLiteral("When A Maqam Is Selected"), this);
+    auto* maqamLayout = new QHBoxLayout(maqam);
+    optMaqamStatic = addChoiceGroup(maqam, maqamLayout, staticCaption,
+                                    {"Note names at maqam finger positions",
+                                     "Marking circles at maqam finger positions", "No marks"});
+    optPlayMaq = addChoiceGroup(maqam, maqamLayout, playedCaption,
+                                {"Note name highlighted", "Colored Circle", "No effect"});
+    layout->addWidget(maqam);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    cmdOK = new QPushButton(tr("OK"), this);
+    cmdOK->setDefault(true);
+    cmdCancel = new QPushButton(tr("Cancel"), this);
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+    layout->addLayout(buttons);
+
+    connect(cmdOK, &QPushButton::clicked, this, &fNotesOpts::cmdOK_Click);
+    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void fNotesOpts::cmdOK_Click()
+{
+    struct PresGroup {
+        const QButtonGroup* buttons;
+        int32_t& value;
+        Setting key;
+    };
+    // A group with no button set (a stored value out of range) leaves its value alone.
+    const PresGroup groups[] = {
+        {optMaqamStatic, m_options.presRestMaqam, Setting::NotesPresRestMaqam},
+        {optPlayMaq, m_options.presPlayMaqam, Setting::NotesPresPlayMaqam},
+        {optNoMaqamStatic, m_options.presRestNoMaqam, Setting::NotesPresRestNoMaqam},
+        {optPlayNoMaq, m_options.presPlayNoMaqam, Setting::NotesPresPlayNoMaqam},
+    };
+    for (const PresGroup& group : groups) {
+        const int32_t value = indexToPres(setIndex(group.buttons));
+        if (value != -1 && value != group.value) {
+            group.value = value;
+            m_settings.setInt(group.key, value);
+            m_options.presChanged = true;
+        }
+    }
+    const int32_t names = setIndex(optNoteNamesType);
+    if (names != -1 && names != m_options.noteNamesType) {
+        m_options.noteNamesType = names;
+        m_settings.setInt(Setting::NoteNamesType, names);
+        m_options.namesChanged = true;
+    }
+    emit optionsAccepted(m_options);
+    accept();
+}
+
+}  // namespace tarabix
