@@ -11,5 +11,7 @@ using Args = std::vector<std::string>;
 int version(const Args& args);
 int devices(const Args& args);
 int dump(const Args& args);
+int play(const Args& args);
+int render(const Args& args);
 
 }  // namespace tarabix::cli

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tarabix {
+
+class MidiFile;
+
+struct PieceRenderOptions {
+    float speed = 1.0f;
+    int32_t midiOctShift = 0;
+    int32_t volume = 127;
+    int32_t tailMs = 2000;      // silence after the last event, so the last notes ring out
+    std::string soundFontPath;  // empty: the one the built-in synthesizer finds
+};
+
+struct PieceRenderResult {
+    bool ok = false;
+    std::string error;      // why not, when not ok
+    int32_t audioMs = 0;    // length of the written audio
+    int32_t events = 0;     // channel messages the player delivered
+};
+
+// Plays the piece on a virtual clock into the built-in synthesizer without an audio device and
+// writes 44.1 kHz stereo 16-bit WAV as fast as the synthesizer computes: the same player and the
+// same routing as the window (octave shift, volume, quarter tones from the piece's pitch wheels).
+// Takes over the output layer (mMidiMain) while it runs and leaves it reset.
+PieceRenderResult renderPieceToWav(const MidiFile& piece, const std::string& wavPath,
+                                   const PieceRenderOptions& options = {});
+
+}  // namespace tarabix

@@ -1,0 +1,164 @@
+#include "tools/cli/Commands.h"
+#include "tools/cli/PieceFile.h"
+
+#include "base/MonotonicClock.h"
+#include "base/Rounding.h"
+#include "midi/MidiError.h"
+#include "midi/MidiFile.h"
+#include "playback/MidiPlayer.h"
+#include "playback/PieceRouter.h"
+#include "playback/mMidiMain.h"
+#include "playback/qt/QtPlayerWait.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace tarabix::cli {
+
+namespace {
+
+int usage()
+{
+    std::fputs("usage: tarabix-cli play FILE [--device ID|null] [--speed R] [--from SECONDS] [--timing-log CSV]\n"
+               "                       [--precise-timer | --busy-wait]\n",
+               stderr);
+    return 2;
+}
+
+// "--device null": the piece is played in full time, its output thrown away.
+class DiscardPort final : public MidiOutPort {
+public:
+    int32_t open() override { return kMidiOutOk; }
+    int32_t close() override { return kMidiOutOk; }
+    void send(uint32_t) override {}
+};
+
+struct TimingRecord {
+    int32_t absMS;
+    int32_t dueMs;
+    int64_t sentUs;
+};
+
+bool writeTimingLog(const std::string& path, const std::vector<TimingRecord>& records)
+{
+    std::FILE* f = std::fopen(path.c_str(), "w");
+    if (!f)
+        return false;
+    std::fputs("absMS,due_ms,sent_ms\n", f);
+    for (const TimingRecord& r : records)
+        std::fprintf(f, "%d,%d.000,%lld.%03lld\n", r.absMS, r.dueMs, static_cast<long long>(r.sentUs / 1000),
+                     static_cast<long long>(r.sentUs % 1000));
+    return std::fclose(f) == 0;
+}
+
+}  // namespace
+
+// Plays the piece in real time through the output layer, waiting in a Qt event loop exactly as
+// the window does; the timing log tells how late each event reached the device.
+int play(const Args& args)
+{
+    std::string input;
+    std::string timingLogPath;
+    std::string device;
+    double speed = 1.0;
+    double fromSeconds = 0.0;
+    QtPlayerWait::Strategy strategy = QtPlayerWait::bestStrategy();
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        const bool hasValue = i + 1 < args.size();
+        if (a == "--device" && hasValue) {
+            device = args[++i];
+            if (device != "null" && !parseInt(device))
+                return usage();
+        } else if (a == "--speed" && hasValue) {
+            const auto value = parseNumber(args[++i]);
+            if (!value || !(*value > 0.0 && *value <= 100.0))
+                return usage();
+            speed = *value;
+        } else if (a == "--from" && hasValue) {
+            const auto value = parseNumber(args[++i]);
+            if (!value || !(*value >= 0.0 && *value <= 2000000.0))
+                return usage();
+            fromSeconds = *value;
+        } else if (a == "--timing-log" && hasValue) {
+            timingLogPath = args[++i];
+        } else if (a == "--busy-wait") {
+            strategy = QtPlayerWait::Strategy::BusyPoll;
+        } else if (a == "--precise-timer") {
+            strategy = QtPlayerWait::Strategy::PreciseTimer;
+        } else if (input.empty() && !a.starts_with("-")) {
+            input = a;
+        } else {
+            return usage();
+        }
+    }
+    if (input.empty())
+        return usage();
+
+    MidiFile piece;
+    std::string error;
+    if (!loadPiece(input, piece, error)) {
+        std::fprintf(stderr, "tarabix-cli play: %s\n", error.c_str());
+        return 1;
+    }
+
+    int argc = 1;
+    char name[] = "tarabix-cli";
+    char* argv[] = {name, nullptr};
+    QCoreApplication app(argc, argv);
+
+    if (device == "null") {
+        setMidiOutBackend({[] { return std::vector<std::string>{}; },
+                           [](int32_t) { return std::make_unique<DiscardPort>(); }});
+    } else if (!device.empty()) {
+        setMidiDeviceId(*parseInt(device));
+    }
+    if (reopenMidiOut() != kMidiOutOk)
+        std::fprintf(stderr, "tarabix-cli play: no sound from MIDI output %d (%s); playing on silently\n",
+                     getMidiDeviceId(), midiOutFailureReason().c_str());
+
+    MonotonicClock clock;
+    QtPlayerWait wait(strategy);
+    MidiPlayer player(QtPlayerWait::playerClock(clock, wait));
+    PieceRouter router;
+    router.resetChannelState();
+    std::vector<TimingRecord> timing;
+    player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec) {
+        router.route(status, c1, c2);
+        if (!timingLogPath.empty())
+            timing.push_back({absMSec, player.currentDueMs(), clock.micros()});
+    };
+    player.resetPlayState();
+    player.setPlaySpeedRatio(static_cast<float>(speed));
+    player.setTheMidi(&piece);
+    player.setStartOffsetMSecMidi(roundHalfEvenInt(fromSeconds * 1000.0));
+    if (!timingLogPath.empty()) {
+        size_t events = 0;
+        for (int32_t t = 0; t < piece.numOfTracks(); ++t)
+            events += static_cast<size_t>(piece.tracks(t)->trkNEvents());
+        timing.reserve(events);  // no allocation while playing
+    }
+
+    int exitCode = 0;
+    try {
+        player.play();
+    } catch (const MidiError& e) {
+        std::fprintf(stderr, "tarabix-cli play: cannot time the piece: %s (error %d)\n", e.description().c_str(),
+                     e.number());
+        exitCode = 1;
+    }
+    midiOutReset();
+    closeMidiOut();
+    resetMidiMainState();
+
+    if (!timingLogPath.empty() && !writeTimingLog(timingLogPath, timing)) {
+        std::fprintf(stderr, "tarabix-cli play: cannot write %s\n", timingLogPath.c_str());
+        return 1;
+    }
+    return exitCode;
+}
+
+}  // namespace tarabix::cli
