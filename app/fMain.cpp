@@ -1,11 +1,151 @@
+// Start-up and shutdown of the main window.
 #include "app/fMain.h"
+
+#include "app/AppIdentity.h"
+#include "oud/view/UdPictureWidget.h"
+#include "oud/view/UdResources.h"
+#include "playback/mMidiMain.h"
+#include "settings/UserSettings.h"
+
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QVBoxLayout>
 
 namespace tarabix {
 
-fMain::fMain(QWidget* parent) : QMainWindow(parent)
+fMain::fMain(fMainEnvironment environment) : m_env(std::move(environment))
 {
-    setWindowTitle(QStringLiteral("Tarabix 1.4"));
-    resize(800, 480);
+    m_settings = m_env.settingsStore ? std::make_unique<UserSettings>(std::move(m_env.settingsStore))
+                                     : std::make_unique<UserSettings>();
+    buildControls();
+    buildMenus();
+    resetPlayerChannelTables();
+}
+
+fMain::~fMain()
+{
+    if (m_formLoaded)
+        unload();
+}
+
+void fMain::message(QMessageBox::Icon icon, const QString& text)
+{
+    if (m_env.showMessage) {
+        m_env.showMessage(icon, text);
+        return;
+    }
+    QMessageBox box(icon, appIdentity().title, text, QMessageBox::Ok, isVisible() ? this : nullptr);
+    box.exec();
+}
+
+bool fMain::load()
+{
+    initApplication(m_env.programFolder);
+    setWindowTitle(appIdentity().title);
+    resize(sizeHint().expandedTo(QSize(900, 560)));
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect area = screen->availableGeometry();
+        move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
+    }
+
+    m_initialising = true;
+    m_fillingControls = true;
+    loadSettings();
+    if (!checkResources()) {
+        m_initialising = false;
+        return false;
+    }
+    fillTuningList();
+    m_volume = sldVolume->value();
+    fillMaqamLists();
+    udMidiOctShift->setValue(0);
+    udTuneOctShift->setValue(0);
+    resetPlayerChannelTables();
+    m_kbDownShift = 1;
+    showHideKbLabels(true);
+    redrawFingerboard();
+    m_fillingControls = false;
+    m_initialising = false;
+
+    reopenMidiOut();
+    m_formLoaded = true;
+    return true;
+}
+
+void fMain::loadSettings()
+{
+    const StartupOptions o = m_settings->loadStartup();
+    m_approxQrt = o.approxQrt;
+    m_playMouseMove = o.playMouseMove;
+    m_mkbPlayHilite = o.mkbPlayHilite;
+    m_mkbDoubling = o.mkbDoubling;
+    m_mkbDblOn1MS = o.mkbDblOn1MS;
+    m_mkbDblOffMS = o.mkbDblOffMS;
+    m_noteNamesType = o.noteNamesType;
+    if (QAbstractButton* option = optNNames->button(m_noteNamesType))
+        option->setChecked(true);
+    m_UdNotesPres_Rest_NoMaqam = o.notesPres[0];
+    m_UdNotesPres_Play_NoMaqam = o.notesPres[1];
+    m_UdNotesPres_Rest_Maqam = o.notesPres[2];
+    m_UdNotesPres_Play_Maqam = o.notesPres[3];
+}
+
+bool fMain::checkResources()
+{
+    const int32_t orientation = m_settings->udOrient();
+    const int32_t tuningCategory = m_settings->tuningICateg();
+    m_oud.loadTunings(appIdentity().path({QStringLiteral("tunings.ini")}).toStdString());
+
+    UdResourceLoad loaded = loadUdResources(appIdentity().programFolder);
+    if (loaded.missing != MissingResource::None) {
+        message(QMessageBox::Critical, missingResourceMessage(loaded.missing));
+        return false;
+    }
+    m_display = std::make_unique<UdDisplay>(std::move(loaded.resources));
+    m_display->attach(&m_oud);
+    m_display->followMaqams(&m_maqams);
+    applyNotePresentation();
+
+    m_fingerboard = new UdPictureWidget(m_display.get(), fingerboardHost);
+    m_fingerboard->setFocusPolicy(Qt::StrongFocus);
+    fingerboardHost->layout()->addWidget(m_fingerboard);
+    connectPlayByHand();
+    connectOudControls();
+
+    m_oud.setOrientation(orientation, false);
+    cmbOrient->setCurrentIndex(m_oud.orientation());
+    m_storedTuningId = tuningCategory;
+    m_oud.applyTuning(tuningCategory, 0);
+    m_appliedTuningId = m_oud.curTuningId();
+    m_appliedTuneOctShift = 0;
+    return true;
+}
+
+void fMain::resetPlayerChannelTables()
+{
+    for (auto& table : m_playerChannelTables)
+        table.fill(-1);
+}
+
+void fMain::unload()
+{
+    midiOutReset();
+    closeMidiOut();
+    m_formLoaded = false;
+}
+
+void fMain::closeEvent(QCloseEvent* event)
+{
+    if (m_formLoaded)
+        unload();
+    QMainWindow::closeEvent(event);
 }
 
 }  // namespace tarabix

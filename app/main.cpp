@@ -7,7 +7,12 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Tarabix"));
     QApplication::setApplicationName(QStringLiteral("Tarabix"));
-    tarabix::fMain window;
+
+    tarabix::fMainEnvironment environment;
+    environment.programFolder = QCoreApplication::applicationDirPath();
+    tarabix::fMain window(std::move(environment));
+    if (!window.load())
+        return 1;
     window.show();
     return QApplication::exec();
 }

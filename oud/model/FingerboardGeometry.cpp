@@ -41,6 +41,16 @@ double stopFraction(int32_t quarterTones)
     return 1.0 - 1.0 / std::pow(2.0, quarterTones / 24.0);
 }
 
+PicPoint stopPoint(PicPoint nut, PicPoint end, int32_t quarterTones)
+{
+    if (quarterTones == 0)
+        return nut;
+    if (quarterTones == kZoneQuarterTones)
+        return end;
+    const double along = stopFraction(quarterTones) / zoneLength();
+    return {roundHalfEvenInt(along * (end.x - nut.x) + nut.x), roundHalfEvenInt(along * (end.y - nut.y) + nut.y)};
+}
+
 double zoneLength()
 {
     return 1.0 - 1.0 / std::pow(2.0, 7.0 / 12.0);

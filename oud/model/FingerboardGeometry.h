@@ -63,6 +63,10 @@ double stopFraction(int32_t quarterTones);
 // stopFraction of the seventh semitone: the playing zone drawn from nut to end point.
 double zoneLength();
 
+// The point of the stop `quarterTones` above the open string on the string drawn from `nut` to
+// `end` (the end of the seven-semitone zone), halves rounded to even.
+PicPoint stopPoint(PicPoint nut, PicPoint end, int32_t quarterTones);
+
 // How many cents above the open string a stop at zone fraction t sounds (the inverse of
 // zoneFraction, in cents, rounded halves to even). Empty where t lies beyond any real stop.
 std::optional<int32_t> centsAtZoneFraction(double t);

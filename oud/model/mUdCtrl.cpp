@@ -134,7 +134,6 @@ int32_t mUdCtrl::buildPositionTable()
 {
     m_posTable.fill(PositionEntry{});
     m_tableStatus = 0;
-    const double zone = zoneLength();
     // Strings go up in order, so where two strings share a pitch the higher string, nearer the
     // nut, keeps it: that is where an oud player takes it.
     for (int32_t s = 0; s < m_curNumStrings; ++s) {
@@ -147,15 +146,20 @@ int32_t mUdCtrl::buildPositionTable()
         const PicPoint a = m_curStringA[si];
         const PicPoint b = m_curStringB[si];
         const size_t q0 = static_cast<size_t>(2 * pitch);
-        m_posTable[q0] = {a.x, a.y, s};
-        m_posTable[q0 + kZoneQuarterTones] = {b.x, b.y, s};
-        for (int32_t j = 1; j < kZoneQuarterTones; ++j) {
-            const double f = stopFraction(j);
-            m_posTable[q0 + static_cast<size_t>(j)] = {roundHalfEvenInt(f * (b.x - a.x) / zone + a.x),
-                                                      roundHalfEvenInt(f * (b.y - a.y) / zone + a.y), s};
+        for (int32_t j = 0; j <= kZoneQuarterTones; ++j) {
+            const PicPoint at = stopPoint(a, b, j);
+            m_posTable[q0 + static_cast<size_t>(j)] = {at.x, at.y, s};
         }
     }
     return m_tableStatus;
+}
+
+std::optional<PicPoint> mUdCtrl::stringStopPoint(int32_t string, int32_t quarterTones) const
+{
+    if (string < 0 || string >= m_curNumStrings || quarterTones < 0)
+        return std::nullopt;
+    const size_t si = static_cast<size_t>(string);
+    return stopPoint(m_curStringA[si], m_curStringB[si], quarterTones);
 }
 
 PositionEntry mUdCtrl::positionAt(int32_t q) const

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,10 @@ public:
     const std::array<PositionEntry, kPositionCount>& posTable() const { return m_posTable; }
     // The entry for quarter-tone pitch number q; an unplayable entry outside 0..254.
     PositionEntry positionAt(int32_t q) const;
+
+    // Where string `string` is stopped `quarterTones` above its open string, whichever string the
+    // position table shows that pitch on; empty for an absent string.
+    std::optional<PicPoint> stringStopPoint(int32_t string, int32_t quarterTones) const;
 
     // Finger that stops `note` (plus a quarter tone when `quarter`): 0 open string .. 4, -1 none.
     int32_t fingerFor(int32_t note, bool quarter) const;

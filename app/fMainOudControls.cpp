@@ -1,0 +1,211 @@
+// The instrument's choices in the main window: naming system, tuning and its octave, the view of
+// the oud, maqam and tonic. Programmatic changes happen in the filling-controls state, which keeps
+// the handlers from doing work twice.
+#include "app/fMain.h"
+
+#include "app/AppIdentity.h"
+#include "oud/model/NoteNames.h"
+#include "oud/view/UdPictureWidget.h"
+#include "playback/mMidiMain.h"
+#include "settings/UserSettings.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QLabel>
+#include <QSpinBox>
+
+namespace tarabix {
+namespace {
+
+QString qs(const std::string& s)
+{
+    return QString::fromStdString(s);
+}
+
+// Restores the filling-controls flag however the block is left.
+class FillingControls {
+public:
+    explicit FillingControls(bool& flag) : m_flag(flag), m_was(flag) { m_flag = true; }
+    ~FillingControls() { m_flag = m_was; }
+    FillingControls(const FillingControls&) = delete;
+    FillingControls& operator=(const FillingControls&) = delete;
+
+private:
+    bool& m_flag;
+    bool m_was;
+};
+
+}  // namespace
+
+void fMain::connectOudControls()
+{
+    connect(optNNames, &QButtonGroup::idClicked, this, &fMain::optNNames_Click);
+    connect(cmbTuning, &QComboBox::currentIndexChanged, this, [this] { cmbTuning_Click(); });
+    connect(udTuneOctShift, &QSpinBox::valueChanged, this, [this] { udTuneOctShift_Change(); });
+    connect(cmbOrient, &QComboBox::currentIndexChanged, this, [this] { cmbOrient_Click(); });
+    connect(cmbMaqams, &QComboBox::currentIndexChanged, this, [this] { cmbMaqams_Click(); });
+    connect(cmbMaqamStarts, &QComboBox::currentIndexChanged, this, [this] { cmbMaqamStarts_Click(); });
+}
+
+void fMain::optNNames_Click(int index)
+{
+    if (m_fillingControls || index == m_noteNamesType)
+        return;
+    m_noteNamesType = index;
+    m_settings->setInt(Setting::NoteNamesType, index);
+    fillTuningList();
+    if (cmbMaqams->currentIndex() > 0)
+        refillTonicList(cmbMaqams->currentIndex());
+    applyNotePresentation();
+    redrawFingerboard();
+}
+
+void fMain::fillTuningList()
+{
+    FillingControls filling(m_fillingControls);
+    cmbTuning->clear();
+    for (int32_t i = 0; i < m_oud.tuningCount(); ++i) {
+        int32_t id = -1;
+        const std::string caption = m_oud.tuningAt(i, m_noteNamesType, id);
+        cmbTuning->addItem(qs(caption), id);
+    }
+    const int current = cmbTuning->findData(m_oud.curTuningId() == -1 ? m_storedTuningId : m_oud.curTuningId());
+    cmbTuning->setCurrentIndex(current >= 0 ? current : 0);
+}
+
+void fMain::cmbTuning_Click()
+{
+    if (!m_fillingControls)
+        applyTuningFromControls();
+}
+
+void fMain::udTuneOctShift_Change()
+{
+    midiOutReset();
+    lblTuneOctShift->setText(qs(octaveCaption(udTuneOctShift->value())));
+    if (!m_fillingControls)
+        applyTuningFromControls();
+}
+
+void fMain::applyTuningFromControls()
+{
+    const int32_t id = cmbTuning->currentData().toInt();
+    const int32_t shift = udTuneOctShift->value();
+    if (id == m_appliedTuningId && shift == m_appliedTuneOctShift)
+        return;
+    m_oud.applyTuning(id, shift);
+    m_appliedTuneOctShift = shift;
+    if (id != m_appliedTuningId) {
+        m_appliedTuningId = id;
+        if (id != m_storedTuningId) {
+            m_storedTuningId = id;
+            m_settings->setInt(Setting::TuningICateg, id);
+        }
+    }
+    redrawFingerboard();
+}
+
+void fMain::cmbOrient_Click()
+{
+    if (m_fillingControls)
+        return;
+    const int32_t orientation = cmbOrient->currentIndex();
+    m_oud.setOrientation(orientation, true);
+    m_settings->setInt(Setting::UdOrient, orientation);
+    redrawFingerboard();
+}
+
+void fMain::fillMaqamLists()
+{
+    FillingControls filling(m_fillingControls);
+    const std::string error = m_maqams.loadMaqams(appIdentity().path({QStringLiteral("maqams.ini")}).toStdString());
+    if (!error.empty())
+        message(QMessageBox::Warning, qs(error));
+    cmbMaqams->clear();
+    cmbMaqams->addItem(QStringLiteral("--None--"));
+    for (int32_t i = 1; i <= m_maqams.maqamCount(); ++i)
+        cmbMaqams->addItem(qs(m_maqams.maqamName(i)));
+    cmbMaqams->setCurrentIndex(0);
+    cmbMaqamStarts->clear();
+    cmbMaqamStarts->setEnabled(false);
+}
+
+void fMain::refillTonicList(int32_t maqamIndex)
+{
+    const bool wasRefilling = m_refillingTonics;
+    m_refillingTonics = true;
+    const int keep = cmbMaqamStarts->currentIndex();
+    cmbMaqamStarts->clear();
+    const auto tonics = m_maqams.maqamTonics(maqamIndex);
+    for (int k = 0; k < 12; ++k)
+        cmbMaqamStarts->addItem(qs(spelledNoteName(tonics[k], m_noteNamesType)), k);
+    cmbMaqamStarts->setCurrentIndex(keep);
+    m_refillingTonics = wasRefilling;
+}
+
+void fMain::cmbMaqams_Click()
+{
+    if (m_fillingControls)
+        return;
+    const int32_t index = cmbMaqams->currentIndex();
+    int32_t tonic = 0;
+    if (index > 0) {
+        refillTonicList(index);
+        tonic = m_maqams.maqamHomeTonic(index).pitchClass;
+        const bool wasRefilling = m_refillingTonics;
+        m_refillingTonics = true;
+        cmbMaqamStarts->setCurrentIndex(tonic);
+        m_refillingTonics = wasRefilling;
+        cmbMaqamStarts->setEnabled(true);
+    } else {
+        cmbMaqamStarts->setEnabled(false);
+    }
+    m_maqams.selectMaqam(index, tonic);
+    redrawFingerboard();
+}
+
+void fMain::cmbMaqamStarts_Click()
+{
+    if (m_refillingTonics || m_fillingControls || cmbMaqamStarts->currentIndex() < 0)
+        return;
+    m_maqams.selectMaqam(cmbMaqams->currentIndex(), cmbMaqamStarts->currentData().toInt());
+    redrawFingerboard();
+}
+
+void fMain::applyMaqamMarker(const std::string& text)
+{
+    const std::optional<MaqamMarker> marker = m_maqams.parseMaqamMarker(text);
+    if (!marker)
+        return;
+    // Both changes go through the lists' own handlers, as if the learner had chosen them.
+    cmbMaqams->setCurrentIndex(marker->index);
+    cmbMaqamStarts->setCurrentIndex(marker->tonic);
+}
+
+void fMain::applyNotePresentation()
+{
+    if (!m_display)
+        return;
+    NotePresentation p;
+    p.restNoMaqam = m_UdNotesPres_Rest_NoMaqam;
+    p.playNoMaqam = m_UdNotesPres_Play_NoMaqam;
+    p.restMaqam = m_UdNotesPres_Rest_Maqam;
+    p.playMaqam = m_UdNotesPres_Play_Maqam;
+    p.nameSystem = m_noteNamesType;
+    m_display->setPresentation(p);
+}
+
+void fMain::redrawFingerboard()
+{
+    if (m_display)
+        m_display->redrawResting();
+    showRangeSide(0);
+}
+
+void fMain::showRangeSide(int32_t side)
+{
+    lblRangeLow->setVisible(side == kRangeBelow);
+    lblRangeHigh->setVisible(side == kRangeAbove);
+}
+
+}  // namespace tarabix
