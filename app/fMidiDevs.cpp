@@ -1,0 +1,202 @@
+#include "app/fMidiDevs.h"
+
+#include "app/AppIdentity.h"
+#include "playback/mMidiMain.h"
+
+#include <QComboBox>
+#include <QFont>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <iterator>
+
+namespace tarabix {
+namespace {
+
+struct TestStep {
+    uint32_t message;
+    int waitMs;  // before the next step
+};
+
+constexpr uint32_t noteOn(uint32_t note) { return packShortMessage(0x90, note, 127); }
+constexpr uint32_t noteOff(uint32_t note) { return packShortMessage(0x80, note, 0); }
+
+// A rising triad on channel 1 with the first program: E, G, then a longer B.
+constexpr TestStep kTestNotes[] = {
+    {packShortMessage(0xC0, 0, 0), 0},
+    {noteOn(64), 250}, {noteOff(64), 0},
+    {noteOn(67), 250}, {noteOff(67), 0},
+    {noteOn(71), 500}, {noteOff(71), 0},
+};
+
+}  // namespace
+
+fMidiDevs::fMidiDevs(bool deviceHeld, QWidget* parent)
+    : QDialog(parent), m_sharedClosed(deviceHeld)
+{
+    buildControls();
+    m_testTimer.setSingleShot(true);
+    m_testTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_testTimer, &QTimer::timeout, this, &fMidiDevs::playTestStep);
+
+    const int32_t id = getMidiDeviceId();
+    const std::string sharedFailure = midiOutFailureReason();
+    if (m_sharedClosed)
+        closeMidiOut();
+    for (const MidiOutDevice& device : listMidiOutDevices())
+        cmbMDevs->addItem(QString::fromStdString(device.name));
+    // An id beyond the list (a device unplugged since) leaves nothing selected.
+    cmbMDevs->setCurrentIndex(id + 1 < cmbMDevs->count() ? id + 1 : -1);
+    if (!sharedFailure.empty())
+        showSilence(tr("The current device gives no sound"), sharedFailure);
+}
+
+fMidiDevs::~fMidiDevs()
+{
+    releaseTestPort();
+}
+
+void fMidiDevs::buildControls()
+{
+    setWindowTitle(QStringLiteral("Midi Devices"));
+    setWindowModality(Qt::WindowModal);
+    auto* layout = new QVBoxLayout(this);
+
+    lblHeading = new QLabel(QStringLiteral("MIDI Devices"), this);
+    QFont headingFont = lblHeading->font();
+    headingFont.setBold(true);
+    headingFont.setPointSizeF(headingFont.pointSizeF() * 1.3);
+    lblHeading->setFont(headingFont);
+    layout->addWidget(lblHeading);
+
+    lblPrompt = new QLabel(QStringLiteral("Select a MIDI device for use or for testing"), this);
+    layout->addWidget(lblPrompt);
+
+    auto* deviceRow = new QHBoxLayout;
+    cmbMDevs = new QComboBox(this);
+    cmbMDevs->setMinimumContentsLength(28);
+    deviceRow->addWidget(cmbMDevs, 1);
+    cmdTest = new QPushButton(tr("Test"), this);
+    deviceRow->addWidget(cmdTest);
+    layout->addLayout(deviceRow);
+
+    lblStatus = new QLabel(this);
+    lblStatus->setWordWrap(true);
+    lblStatus->hide();
+    layout->addWidget(lblStatus);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    cmdOK = new QPushButton(tr("OK"), this);
+    cmdOK->setDefault(true);
+    cmdCancel = new QPushButton(tr("Cancel"), this);
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+    layout->addLayout(buttons);
+
+    connect(cmdTest, &QPushButton::clicked, this, &fMidiDevs::cmdTest_Click);
+    connect(cmdOK, &QPushButton::clicked, this, &fMidiDevs::cmdOK_Click);
+    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+// Tells the learner why a device stays silent, e.g. that the built-in synthesizer found no audio
+// output device, instead of leaving them to guess.
+void fMidiDevs::showSilence(const QString& what, const std::string& reason)
+{
+    lblStatus->setText(what + QStringLiteral(": ") + QString::fromStdString(reason));
+    lblStatus->show();
+}
+
+void fMidiDevs::cmdTest_Click()
+{
+    if (testRunning() || cmbMDevs->currentIndex() < 0)
+        return;
+    const int32_t id = cmbMDevs->currentIndex() - 1;
+    int32_t result = kMidiOutOk;
+    std::string reason;
+    m_testPort = openMidiOutDevice(id, result, &reason);
+    if (!m_testPort) {
+        if (!reason.empty())
+            showSilence(tr("This device gives no sound"), reason);
+        m_failureBox = new QMessageBox(QMessageBox::Warning, appIdentity().title,
+                                       QStringLiteral("Unable to use this device now.\r\n"
+                                                      "It might be in exclusive use by another program, "
+                                                      "or it can be unusable."),
+                                       QMessageBox::Ok, this);
+        if (!reason.empty())
+            m_failureBox->setInformativeText(QString::fromStdString(reason));
+        m_failureBox->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_failureBox, &QObject::destroyed, this, [this] { m_failureBox = nullptr; });
+        m_failureBox->open();
+        return;
+    }
+    lblStatus->hide();
+    cmdTest->setEnabled(false);
+    m_testStep = 0;
+    playTestStep();
+}
+
+// One step per call, the waits left to the timer: the window and the piece behind it go on
+// while the notes sound.
+void fMidiDevs::playTestStep()
+{
+    while (m_testPort && m_testStep < std::size(kTestNotes)) {
+        const TestStep& step = kTestNotes[m_testStep++];
+        m_testPort->send(step.message);
+        if (step.waitMs > 0) {
+            m_testTimer.start(step.waitMs);
+            return;
+        }
+    }
+    endTest();
+}
+
+// Also cuts a test short when the dialog closes: the sounding note is released before the
+// test's output is let go, so nothing hangs on the device.
+void fMidiDevs::releaseTestPort()
+{
+    m_testTimer.stop();
+    if (!m_testPort)
+        return;
+    if (m_testStep < std::size(kTestNotes) && shortMessageStatus(kTestNotes[m_testStep].message) == 0x80)
+        m_testPort->send(kTestNotes[m_testStep].message);
+    m_testPort->close();
+    m_testPort.reset();
+    m_testStep = 0;
+}
+
+void fMidiDevs::endTest()
+{
+    if (!m_testPort)
+        return;
+    releaseTestPort();
+    cmdTest->setEnabled(true);
+    emit testFinished();
+}
+
+void fMidiDevs::cmdOK_Click()
+{
+    if (cmbMDevs->currentIndex() >= 0) {
+        const int32_t id = cmbMDevs->currentIndex() - 1;
+        setMidiDeviceId(id);
+        emit deviceChosen(id);
+    }
+    accept();
+}
+
+void fMidiDevs::done(int result)
+{
+    endTest();
+    // A failed re-open is not reported here: the window's activity timer tries again, and the
+    // reason stays with the output layer for the next time this dialog opens.
+    if (m_sharedClosed) {
+        reopenMidiOut();
+        m_sharedClosed = false;
+    }
+    QDialog::done(result);
+}
+
+}  // namespace tarabix

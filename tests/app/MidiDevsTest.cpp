@@ -1,0 +1,225 @@
+#include "app/fMidiDevs.h"
+
+#include "Clicks.h"
+
+#include "playback/RecorderPort.h"
+#include "playback/mMidiMain.h"
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace tarabix {
+namespace {
+
+using Words = std::vector<uint32_t>;
+
+// Recorders as the outputs: the mapper and device 0 open, device 1 is taken by another program,
+// every output keeps its own recording so the shared output and the test output stay apart.
+class MidiDevsTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        resetMidiMainState();
+        for (int32_t id : {kMidiMapperId, 0, 1})
+            m_recordings[id] = std::make_shared<MidiRecording>();
+        auto recordings = m_recordings;
+        setMidiOutBackend({[] { return std::vector<std::string>{"Port A", "Port B"}; },
+                           [recordings](int32_t id) -> std::unique_ptr<MidiOutPort> {
+                               const auto it = recordings.find(id);
+                               if (it == recordings.end())
+                                   return nullptr;
+                               return std::make_unique<RecorderPort>(it->second, nullptr,
+                                                                     id == 1 ? kMidiOutAllocated : kMidiOutOk);
+                           }});
+    }
+    void TearDown() override { resetMidiMainState(); }
+
+    // The shared output opened on `id`, as the main window holds it, with the open's own
+    // messages forgotten.
+    void holdShared(int32_t id)
+    {
+        setMidiDeviceId(id);
+        reopenMidiOut();
+        for (auto& [ignored, recording] : m_recordings)
+            recording->clear();
+    }
+
+    Words words(int32_t id) const { return m_recordings.at(id)->words(); }
+
+    static void select(fMidiDevs& dlg, int index)
+    {
+        while (dlg.cmbMDevs->currentIndex() < index)
+            QTest::keyClick(dlg.cmbMDevs, Qt::Key_Down);
+        while (dlg.cmbMDevs->currentIndex() > index)
+            QTest::keyClick(dlg.cmbMDevs, Qt::Key_Up);
+        ASSERT_EQ(dlg.cmbMDevs->currentIndex(), index);
+    }
+
+    // What a re-open sends: each channel's program and its centred pitch wheel.
+    static Words reopenWords()
+    {
+        Words out;
+        for (uint32_t ch = 0; ch < 16; ++ch) {
+            out.push_back(0xC0 + ch);
+            out.push_back(0x400000 + 0xE0 + ch);
+        }
+        return out;
+    }
+
+    std::map<int32_t, std::shared_ptr<MidiRecording>> m_recordings;
+};
+
+TEST_F(MidiDevsTest, ListsTheMapperFirstAndSelectsTheCurrentDevice)
+{
+    struct Case {
+        int32_t id;
+        int index;
+    };
+    for (const Case c : {Case{kMidiMapperId, 0}, Case{0, 1}, Case{1, 2}, Case{5, -1}}) {
+        SCOPED_TRACE(c.id);
+        setMidiDeviceId(c.id);
+        fMidiDevs dlg(false);
+        ASSERT_EQ(dlg.cmbMDevs->count(), 3);
+        EXPECT_EQ(dlg.cmbMDevs->itemText(0), "MIDI Mapper");
+        EXPECT_EQ(dlg.cmbMDevs->itemText(1), "Port A");
+        EXPECT_EQ(dlg.cmbMDevs->itemText(2), "Port B");
+        EXPECT_EQ(dlg.cmbMDevs->currentIndex(), c.index);
+    }
+    fMidiDevs dlg(false);
+    EXPECT_EQ(dlg.windowTitle(), "Midi Devices");
+    EXPECT_EQ(dlg.lblHeading->text(), "MIDI Devices");
+    EXPECT_EQ(dlg.lblPrompt->text(), "Select a MIDI device for use or for testing");
+}
+
+TEST_F(MidiDevsTest, OkAndCancelSetTheIdAndReopenAHeldDevice)
+{
+    struct Case {
+        const char* name;
+        bool held;
+        int32_t startId;
+        int pick;
+        bool ok;
+        int32_t expectedId;
+    };
+    const Case cases[] = {
+        {"ok on another device", true, kMidiMapperId, 1, true, 0},
+        {"ok on the mapper", true, 0, 0, true, kMidiMapperId},
+        {"cancel keeps the old device", true, kMidiMapperId, 1, false, kMidiMapperId},
+        {"ok while the window does not hold the device", false, kMidiMapperId, 1, true, 0},
+        {"cancel while the window does not hold the device", false, 0, 0, false, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        SetUp();
+        holdShared(c.startId);
+        fMidiDevs dlg(c.held);
+        dlg.show();
+        QSignalSpy chosen(&dlg, &fMidiDevs::deviceChosen);
+        // A held device is let go while the dialog is open, so notes sent now go nowhere.
+        midiNoteOn(0, 60, 0, 100);
+        EXPECT_EQ(words(c.startId).size(), c.held ? 0u : 1u);
+        m_recordings.at(c.startId)->clear();
+
+        select(dlg, c.pick);
+        test::click(c.ok ? dlg.cmdOK : dlg.cmdCancel);
+        EXPECT_EQ(getMidiDeviceId(), c.expectedId);
+        EXPECT_EQ(chosen.count(), c.ok ? 1 : 0);
+        for (int32_t id : {kMidiMapperId, 0}) {
+            SCOPED_TRACE(id);
+            EXPECT_EQ(words(id), c.held && id == c.expectedId ? reopenWords() : Words{});
+        }
+    }
+}
+
+TEST_F(MidiDevsTest, TestPlaysThreeNotesWithoutFreezingTheWindow)
+{
+    holdShared(kMidiMapperId);
+    fMidiDevs dlg(true);
+    dlg.show();
+    select(dlg, 1);
+    QSignalSpy finished(&dlg, &fMidiDevs::testFinished);
+    test::click(dlg.cmdTest);
+
+    // The click returned with the first note sounding: the rest comes from the event loop.
+    EXPECT_TRUE(dlg.testRunning());
+    EXPECT_FALSE(dlg.cmdTest->isEnabled());
+    EXPECT_EQ(words(0), (Words{0xC0, 0x7F4090}));
+
+    ASSERT_TRUE(finished.wait(5000));
+    EXPECT_FALSE(dlg.testRunning());
+    EXPECT_TRUE(dlg.cmdTest->isEnabled());
+    EXPECT_EQ(words(0), (Words{0xC0, 0x7F4090, 0x4080, 0x7F4390, 0x4380, 0x7F4790, 0x4780}));
+    EXPECT_EQ(words(kMidiMapperId), Words{});
+
+    const std::vector<RecordedMessage> sent = m_recordings.at(0)->messages();
+    struct Gap {
+        size_t from;
+        int32_t atLeastMs;
+    };
+    for (const Gap g : {Gap{1, 250}, Gap{3, 250}, Gap{5, 500}}) {
+        SCOPED_TRACE(g.from);
+        EXPECT_GE(sent[g.from + 1].timeMs - sent[g.from].timeMs, g.atLeastMs - 1);
+    }
+}
+
+TEST_F(MidiDevsTest, ClosingDuringATestReleasesTheNoteBeforeReopening)
+{
+    holdShared(kMidiMapperId);
+    fMidiDevs dlg(true);
+    dlg.show();
+    select(dlg, 1);
+    test::click(dlg.cmdTest);
+    test::click(dlg.cmdCancel);
+    EXPECT_FALSE(dlg.testRunning());
+    EXPECT_EQ(words(0), (Words{0xC0, 0x7F4090, 0x4080}));
+    EXPECT_EQ(words(kMidiMapperId), reopenWords());
+    QTest::qWait(300);
+    EXPECT_EQ(words(0).size(), 3u);
+}
+
+TEST_F(MidiDevsTest, ADeviceThatCannotBeOpenedIsReportedWithItsReason)
+{
+    fMidiDevs dlg(false);
+    dlg.show();
+    select(dlg, 2);
+    test::click(dlg.cmdTest);
+    auto* box = dlg.findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->isVisible());
+    EXPECT_EQ(box->text(), "Unable to use this device now.\r\n"
+                           "It might be in exclusive use by another program, or it can be unusable.");
+    EXPECT_EQ(box->icon(), QMessageBox::Warning);
+    EXPECT_EQ(box->windowTitle(), "Tarabix 1.4");
+    EXPECT_TRUE(dlg.lblStatus->isVisibleTo(&dlg));
+    EXPECT_TRUE(dlg.lblStatus->text().contains("the recorder was told to fail"));
+    EXPECT_FALSE(dlg.testRunning());
+    EXPECT_EQ(words(1), Words{});
+    box->close();
+}
+
+TEST_F(MidiDevsTest, ShowsWhyTheCurrentDeviceIsSilent)
+{
+    {
+        holdShared(kMidiMapperId);
+        fMidiDevs dlg(true);
+        EXPECT_FALSE(dlg.lblStatus->isVisibleTo(&dlg));
+    }
+    setMidiDeviceId(1);
+    ASSERT_NE(reopenMidiOut(), kMidiOutOk);
+    fMidiDevs dlg(true);
+    EXPECT_TRUE(dlg.lblStatus->isVisibleTo(&dlg));
+    EXPECT_TRUE(dlg.lblStatus->text().contains("the recorder was told to fail"));
+}
+
+}  // namespace
+}  // namespace tarabix
