@@ -4,6 +4,7 @@
 #include "app/AppIdentity.h"
 #include "oud/view/UdPictureWidget.h"
 #include "oud/view/UdResources.h"
+#include "playback/qt/QtPlayerWait.h"
 #include "playback/mMidiMain.h"
 #include "settings/UserSettings.h"
 
@@ -16,6 +17,7 @@
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace tarabix {
@@ -26,6 +28,8 @@ fMain::fMain(fMainEnvironment environment) : m_env(std::move(environment))
                                      : std::make_unique<UserSettings>();
     buildControls();
     buildMenus();
+    connectFileCommands();
+    connectTransport();
     resetPlayerChannelTables();
 }
 
@@ -63,7 +67,7 @@ bool fMain::load()
         return false;
     }
     fillTuningList();
-    m_volume = sldVolume->value();
+    m_router.setVolume(sldVolume->value());
     fillMaqamLists();
     udMidiOctShift->setValue(0);
     udTuneOctShift->setValue(0);
@@ -75,7 +79,16 @@ bool fMain::load()
     m_initialising = false;
 
     reopenMidiOut();
+    m_deviceHeld = true;
+    tmrAct->start();
     m_formLoaded = true;
+
+    // The learner's own file from the command line is opened with messages; the start-up sample
+    // quietly, so a missing sample leaves just "[No file is opened]".
+    if (!m_env.startFile.isEmpty())
+        QTimer::singleShot(0, this, [this] { openFile(m_env.startFile, false); });
+    else
+        openFile(appIdentity().path({QStringLiteral("samples"), QStringLiteral("agam"), QStringLiteral("zoroony.mzf")}), true);
     return true;
 }
 
@@ -136,8 +149,10 @@ void fMain::resetPlayerChannelTables()
 
 void fMain::unload()
 {
-    midiOutReset();
+    tmrAct->stop();
+    stopPlaying();
     closeMidiOut();
+    m_deviceHeld = false;
     m_formLoaded = false;
 }
 

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "base/MonotonicClock.h"
+#include "midi/MidiFile.h"
 #include "oud/model/mMaqams.h"
 #include "oud/model/mUdCtrl.h"
 #include "oud/view/UdDisplay.h"
+#include "playback/MidiPlayer.h"
+#include "playback/PieceRouter.h"
 
 #include <QMainWindow>
 #include <QMessageBox>
@@ -19,12 +23,14 @@ class QLabel;
 class QPushButton;
 class QSlider;
 class QSpinBox;
+class QTimer;
 
 namespace tarabix {
 
 class UdPictureWidget;
 class UserSettings;
 class KeyGuideOverlay;
+class QtPlayerWait;
 
 // How the window meets the world: where the program lives, which settings store it uses and how a
 // message reaches the learner. Tests replace the store and the message box.
@@ -32,6 +38,7 @@ struct fMainEnvironment {
     QString programFolder;
     std::unique_ptr<QSettings> settingsStore;  // null: the learner's own store
     std::function<void(QMessageBox::Icon, const QString& text)> showMessage;  // null: a message box
+    QString startFile;  // opened instead of the start-up sample, with messages
 };
 
 // The main window: the fingerboard, the piece's transport and the learner's choices.
@@ -46,6 +53,12 @@ public:
     bool load();
     bool isFormLoaded() const { return m_formLoaded; }
 
+    // Makes the file the current piece. Quiet: no message box whatever goes wrong (start-up).
+    void openFile(const QString& path, bool quiet);
+    void closeFile();
+    const QString& currentFilePath() const { return m_currFile; }
+    int32_t pieceLength() const { return m_pieceLength; }
+
     // Read by the dialogs and by tests.
     mUdCtrl& oud() { return m_oud; }
     mMaqams& maqams() { return m_maqams; }
@@ -56,6 +69,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -131,6 +146,28 @@ private:
     void redrawFingerboard();
     void showRangeSide(int32_t side);
 
+    // Opening and closing pieces (fMainFiles.cpp).
+    void connectFileCommands();
+    void cmdOpen_Click();
+    void showNoFile();
+
+    // Transport (fMainTransport.cpp).
+    void connectTransport();
+    void cmdPlay_Toggled(bool down);
+    void cmdPause_Toggled(bool down);
+    void cmdStop_Click();
+    void startPlaying(int32_t fromMs);
+    void pausePlaying();
+    void stopPlaying();
+    void sldPosition_Change(int seconds);
+    void sldSpeedR_Change(int value, bool settled);
+    void udMidiOctShift_Change();
+    void m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec);
+    void m_mf_p_meta(int16_t track, uint8_t metaType, const std::string& txt, int32_t absMSec);
+    void m_mf_p_donePB();
+    void tmrAct_Timer();
+    void setButtonDown(QPushButton* button, bool down);
+
     // Playing by mouse and computer keyboard (fMainPlayByHand.cpp).
     void connectPlayByHand();
     void playNote(int ch, int32_t note, int32_t cents, int velocity, bool highlight);
@@ -151,6 +188,27 @@ private:
     std::unique_ptr<UdDisplay> m_display;
     UdPictureWidget* m_fingerboard = nullptr;
     KeyGuideOverlay* m_keyGuides = nullptr;
+
+    // The open piece. Shared so that a piece replaced while the player still runs over it lives
+    // until the player has let go.
+    QString m_currFile;
+    std::shared_ptr<MidiFile> m_mf = std::make_shared<MidiFile>();
+    int32_t m_pieceLength = 0;
+    bool m_hasSheet = false;
+
+    MonotonicClock m_clock;
+    std::unique_ptr<QtPlayerWait> m_wait;
+    MidiPlayer m_player;
+    PieceRouter m_router;
+    bool m_playing = false;
+    bool m_paused = false;
+    bool m_inPlay = false;  // MidiPlayer::play is on the stack
+    bool m_positionUpdatesSuspended = false;
+    bool m_settingButtons = false;
+    int32_t m_startDelayMs = 0;
+    float m_catchUpTolerance = 1.0f;
+    bool m_deviceHeld = false;
+    QTimer* tmrAct = nullptr;
 
     bool m_formLoaded = false;
     bool m_initialising = false;
@@ -175,7 +233,6 @@ private:
     int32_t m_appliedTuneOctShift = 0;
     int32_t m_storedTuningId = -1;
 
-    int32_t m_volume = 100;
     // The player display's two per-channel tables; -1 is "no value", set whenever a piece changes.
     std::array<std::array<int16_t, 16>, 2> m_playerChannelTables{};
     void resetPlayerChannelTables();

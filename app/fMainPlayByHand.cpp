@@ -101,9 +101,9 @@ bool fMain::handleGridKey(QKeyEvent* event, bool down)
             return true;
         isDown = true;
         if (m_mkbDoubling && pitch.string != 0)
-            playNoteDoubled(kHandChannel, pitch.note, pitch.cents, m_volume, m_mkbPlayHilite);
+            playNoteDoubled(kHandChannel, pitch.note, pitch.cents, m_router.volume(), m_mkbPlayHilite);
         else
-            playNote(kHandChannel, pitch.note, pitch.cents, m_volume, m_mkbPlayHilite);
+            playNote(kHandChannel, pitch.note, pitch.cents, m_router.volume(), m_mkbPlayHilite);
     } else if (!event->isAutoRepeat()) {
         isDown = false;
         stopNote(kHandChannel, pitch.note, pitch.cents, m_mkbPlayHilite);
@@ -182,9 +182,9 @@ void fMain::fingerboardPressed(PicPointF point, Qt::MouseButton button)
     m_mouseCents = pitch.cents;
     m_lastMousePoint = point;
     if (m_mkbDoubling && pitch.string != 0)
-        playNoteDoubled(kHandChannel, pitch.note, pitch.cents, m_volume, m_mkbPlayHilite);
+        playNoteDoubled(kHandChannel, pitch.note, pitch.cents, m_router.volume(), m_mkbPlayHilite);
     else
-        playNote(kHandChannel, pitch.note, pitch.cents, m_volume, m_mkbPlayHilite);
+        playNote(kHandChannel, pitch.note, pitch.cents, m_router.volume(), m_mkbPlayHilite);
 }
 
 void fMain::fingerboardReleased(PicPointF, Qt::MouseButton button)

@@ -1,0 +1,244 @@
+// The transport: play, pause, stop, position, speed, volume and the piece's octave, and the
+// player's events turned into sound and marks. MidiPlayer::play is one long call; every handler
+// here may run nested inside it and talks to the player only through its requests.
+#include "app/fMain.h"
+
+#include "app/WindowTexts.h"
+#include "base/TickSource.h"
+#include "oud/model/Tunings.h"
+#include "playback/mMidiMain.h"
+#include "playback/qt/QtPlayerWait.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTimer>
+
+namespace tarabix {
+
+void fMain::connectTransport()
+{
+    m_wait = std::make_unique<QtPlayerWait>();
+    m_player.setClock(QtPlayerWait::playerClock(m_clock, *m_wait));
+    m_player.msg = [this](uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec) {
+        m_mf_p_msg(status, c1, c2, absMSec);
+    };
+    m_player.meta = [this](int16_t track, uint8_t type, const std::string& txt, int32_t absMSec) {
+        m_mf_p_meta(track, type, txt, absMSec);
+    };
+    m_player.donePB = [this] { m_mf_p_donePB(); };
+    m_player.setTheMidi(m_mf.get());
+
+    // The fingerboard follows the piece's notes on shown channels; the mark goes up before the
+    // note sounds.
+    m_router.markNote = [this](int, int note, int32_t cents) {
+        if (!m_display)
+            return;
+        const int32_t side = m_display->noteOnDisplay(note, cents, true);
+        if (side != 0)
+            showRangeSide(side);
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+    };
+    m_router.unmarkNote = [this](int, int note, int32_t cents) {
+        if (m_display && m_display->noteOffDisplay(note, cents, true))
+            showRangeSide(0);
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+    };
+
+    connect(cmdPlay, &QPushButton::toggled, this, &fMain::cmdPlay_Toggled);
+    connect(cmdPause, &QPushButton::toggled, this, &fMain::cmdPause_Toggled);
+    connect(cmdStop, &QPushButton::clicked, this, &fMain::cmdStop_Click);
+    connect(sldPosition, &QSlider::sliderPressed, this, [this] { m_positionUpdatesSuspended = true; });
+    connect(sldPosition, &QSlider::sliderReleased, this, [this] {
+        m_positionUpdatesSuspended = false;
+        sldPosition_Change(sldPosition->value());
+    });
+    connect(sldPosition, &QSlider::actionTriggered, this, [this](int action) {
+        // Clicks on the groove and keyboard steps change the value without a drag.
+        if (action != QAbstractSlider::SliderMove)
+            QTimer::singleShot(0, this, [this] { sldPosition_Change(sldPosition->value()); });
+    });
+    connect(sldPosition, &QSlider::sliderMoved, this, [this](int seconds) { lblPieceTime->setText(pieceTimeText(seconds * 1000)); });
+    connect(sldSpeedR, &QSlider::valueChanged, this, [this](int value) { sldSpeedR_Change(value, !sldSpeedR->isSliderDown()); });
+    connect(sldSpeedR, &QSlider::sliderReleased, this, [this] { sldSpeedR_Change(sldSpeedR->value(), true); });
+    connect(sldVolume, &QSlider::valueChanged, this, [this](int value) { m_router.setVolume(value); });
+    connect(udMidiOctShift, &QSpinBox::valueChanged, this, [this] { udMidiOctShift_Change(); });
+
+    tmrAct = new QTimer(this);
+    tmrAct->setInterval(1000);
+    connect(tmrAct, &QTimer::timeout, this, &fMain::tmrAct_Timer);
+}
+
+void fMain::setButtonDown(QPushButton* button, bool down)
+{
+    const bool was = m_settingButtons;
+    m_settingButtons = true;
+    button->setChecked(down);
+    m_settingButtons = was;
+}
+
+void fMain::cmdPlay_Toggled(bool down)
+{
+    if (m_settingButtons)
+        return;
+    if (!down) {
+        cmdStop_Click();
+        return;
+    }
+    if (m_currFile.isEmpty()) {
+        setButtonDown(cmdPlay, false);
+        message(QMessageBox::Warning,
+                QStringLiteral("There is no open file to play.\r\nOpen a file first, then press the play button"));
+        return;
+    }
+    if (m_inPlay)
+        return;
+    if (m_startDelayMs > 0)
+        sleepMs(m_startDelayMs);
+    startPlaying(sldPosition->value() * 1000);
+}
+
+void fMain::cmdPause_Toggled(bool down)
+{
+    if (m_settingButtons)
+        return;
+    if (down) {
+        if (m_playing)
+            pausePlaying();
+        else
+            setButtonDown(cmdPause, false);
+        return;
+    }
+    if (!m_currFile.isEmpty() && !m_inPlay) {
+        setButtonDown(cmdPlay, true);
+        startPlaying(m_player.stopOffsetMSec_midi());
+    }
+}
+
+void fMain::cmdStop_Click()
+{
+    stopPlaying();
+}
+
+void fMain::startPlaying(int32_t fromMs)
+{
+    if (m_currFile.isEmpty() || !m_mf) {
+        setButtonDown(cmdPlay, false);
+        return;
+    }
+    // Held for the whole call: a piece opened meanwhile replaces m_mf, not what is playing.
+    const std::shared_ptr<MidiFile> piece = m_mf;
+    m_player.setTheMidi(piece.get());
+    m_playing = true;
+    m_paused = false;
+    m_player.resetPlayState();
+    sldSpeedR_Change(sldSpeedR->value(), true);
+    m_router.resetChannelState();
+    m_player.setCatchUpTolerance(m_catchUpTolerance);
+    m_player.setStartOffsetMSecMidi(fromMs);
+    m_inPlay = true;
+    m_player.play();
+    m_inPlay = false;
+    if (m_mf != piece)
+        m_player.setTheMidi(m_mf.get());
+}
+
+void fMain::pausePlaying()
+{
+    m_paused = true;
+    m_playing = false;
+    setButtonDown(cmdPlay, false);
+    midiOutReset();
+    m_player.stopPlaying();
+}
+
+void fMain::stopPlaying()
+{
+    setButtonDown(cmdPlay, false);
+    setButtonDown(cmdPause, false);
+    lblPieceTime->setText(pieceTimeText(0));
+    {
+        const QSignalBlocker block(sldPosition);
+        sldPosition->setValue(0);
+    }
+    if (m_playing)
+        m_player.stopPlaying();
+    m_paused = false;
+    m_playing = false;
+    midiOutReset();
+}
+
+void fMain::sldPosition_Change(int seconds)
+{
+    if (m_positionUpdatesSuspended)
+        return;
+    midiOutReset();
+    if (m_playing)
+        m_player.reposition(seconds * 1000);
+}
+
+void fMain::sldSpeedR_Change(int value, bool settled)
+{
+    const float ratio = speedRatioForSlider(value);
+    lblSpeed->setText(speedRatioText(ratio));
+    if (settled)
+        m_player.setPlaySpeedRatio(ratio);
+}
+
+void fMain::udMidiOctShift_Change()
+{
+    midiOutReset();
+    m_router.setMidiOctShift(udMidiOctShift->value());
+    redrawFingerboard();
+    lblMidiOctShift->setText(QString::fromStdString(octaveCaption(udMidiOctShift->value())));
+}
+
+void fMain::m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec)
+{
+    if (!m_positionUpdatesSuspended) {
+        const QSignalBlocker block(sldPosition);
+        sldPosition->setValue(positionRangeSeconds(absMSec));
+        lblPieceTime->setText(pieceTimeText(absMSec));
+    }
+    m_router.route(status, c1, c2);
+}
+
+void fMain::m_mf_p_meta(int16_t, uint8_t metaType, const std::string& txt, int32_t)
+{
+    if (metaType == 1)
+        applyMaqamMarker(txt);
+}
+
+void fMain::m_mf_p_donePB()
+{
+    setButtonDown(cmdPlay, false);
+    if (!m_paused) {
+        lblPieceTime->setText(pieceTimeText(0));
+        const QSignalBlocker block(sldPosition);
+        sldPosition->setValue(0);
+    }
+    m_playing = false;
+    redrawFingerboard();
+}
+
+// Another program may want the MIDI device while ours is in the background: release it, and take
+// it back (programs and channel shifts restored) when the learner returns. Our own dialogs and
+// the sheet viewer keep it.
+void fMain::tmrAct_Timer()
+{
+    QWidget* active = QApplication::activeWindow();
+    const bool ours = active == this || (active && active->parentWidget() && active->parentWidget()->window() == this);
+    if (ours && !m_deviceHeld) {
+        reopenMidiOut();
+        m_deviceHeld = true;
+    } else if (!ours && m_deviceHeld) {
+        closeMidiOut();
+        m_deviceHeld = false;
+    }
+}
+
+}  // namespace tarabix
