@@ -1,0 +1,363 @@
+// The main window as a learner meets it: start-up with and without its pictures and sample,
+// opening good and broken pieces, playing by keyboard and mouse, the instrument's choices and a
+// short piece played through to the end. Sound goes to a recorder.
+#include "app/fMain.h"
+
+#include "midi/MidiFile.h"
+#include "midi/MzfContainer.h"
+#include "oud/view/UdPictureWidget.h"
+#include "playback/RecorderPort.h"
+#include "playback/mMidiMain.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace tarabix {
+
+// The window's controls, reachable from the tests.
+class fMainProbe : public fMain {
+public:
+    using fMain::fMain;
+    using fMain::cmbMaqams;
+    using fMain::cmbMaqamStarts;
+    using fMain::cmbOrient;
+    using fMain::cmbTuning;
+    using fMain::cmdPlay;
+    using fMain::cmdSheet;
+    using fMain::lblFile;
+    using fMain::lblPieceLength;
+    using fMain::optNNames;
+    using fMain::sldPosition;
+    using fMain::udMidiOctShift;
+    using fMain::udTuneOctShift;
+};
+
+namespace {
+
+struct Shown {
+    QMessageBox::Icon icon;
+    QString text;
+};
+
+std::vector<uint32_t> noteMessages(const MidiRecording& recording)
+{
+    std::vector<uint32_t> notes;
+    for (uint32_t w : recording.words()) {
+        const uint32_t kind = w & 0xF0;
+        if (kind == 0x80 || kind == 0x90)
+            notes.push_back(w);
+    }
+    return notes;
+}
+
+class MainWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        freshProgramFolder();
+        m_recording = std::make_shared<MidiRecording>();
+        setMidiOutBackend({[] { return std::vector<std::string>{}; },
+                           [this](int32_t) { return std::make_unique<RecorderPort>(m_recording); }});
+    }
+
+    void TearDown() override
+    {
+        m_window.reset();
+        resetMidiMainState();
+    }
+
+    // A program folder with the data the window starts with, and no sample.
+    void freshProgramFolder()
+    {
+        m_program = std::make_unique<QTemporaryDir>();
+        ASSERT_TRUE(m_program->isValid());
+        const QDir data(QStringLiteral(TARABIX_BIN_DIR));
+        for (const char* name : {"tunings.ini", "maqams.ini", "oud.png", "marks.png", "marks.txt", "notefont.png",
+                                 "notefont.txt"})
+            ASSERT_TRUE(QFile::copy(data.filePath(QString::fromLatin1(name)), folder(name)));
+    }
+
+    QString folder(const char* name) const { return m_program->filePath(QString::fromLatin1(name)); }
+
+    fMainProbe& start(bool expectLoaded = true)
+    {
+        fMainEnvironment env;
+        env.programFolder = m_program->path();
+        env.settingsStore = std::make_unique<QSettings>(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
+        env.showMessage = [this](QMessageBox::Icon icon, const QString& text) { m_shown.push_back({icon, text}); };
+        m_window = std::make_unique<fMainProbe>(std::move(env));
+        EXPECT_EQ(m_window->load(), expectLoaded);
+        if (expectLoaded) {
+            m_window->show();
+            EXPECT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
+        }
+        m_recording->clear();
+        return *m_window;
+    }
+
+    QString storedOption(const char* key) const
+    {
+        QSettings store(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
+        return store.value(QStringLiteral("options/") + QString::fromLatin1(key)).toString();
+    }
+
+    // A short piece: a text marker and two notes, the second a quarter tone up by its pitch wheel.
+    QString writePiece(const char* name, int32_t lengthMs = 120)
+    {
+        MidiFile piece;
+        piece.setNTracks(1);
+        MidiTrack* t = piece.tracks(0);
+        t->c_addTextE(0, "Q:Rast/0");
+        t->c_addNoteOnE(0, 0, 60, 100);
+        t->c_addNoteOffE(lengthMs / 2, 0, 60);
+        t->c_addPitchWheelE(0, 0, 50.0);  // a quarter tone up
+        t->c_addNoteOnE(0, 0, 64, 100);
+        t->c_addNoteOffE(lengthMs / 2, 0, 64);
+        t->c_addEndOfTrack(0);
+        piece.setEvtsAbsTicks();
+        piece.setEvtsAbsMSecs();
+        const QString path = m_pieces.filePath(QString::fromLatin1(name));
+        EXPECT_EQ(piece.toFile(QFile::encodeName(path).toStdString()), 0);
+        return path;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_program;
+    QTemporaryDir m_store;
+    QTemporaryDir m_pieces;
+    std::shared_ptr<MidiRecording> m_recording;
+    std::vector<Shown> m_shown;
+    std::unique_ptr<fMainProbe> m_window;
+};
+
+TEST_F(MainWindowTest, MissingPicturesStopStartUpWithTheFirstMessageOnly)
+{
+    struct Case {
+        std::vector<const char*> removed;
+        const char* message;
+    };
+    const Case cases[] = {
+        {{"oud.png", "notefont.png"}, "Cannot find Ud image.\r\n\r\nThe program will terminate."},
+        {{"marks.png"}, "Cannot find mark image(s).\r\n\r\nThe program will terminate."},
+        {{"notefont.png"}, "Cannot find note-name font.\r\n\r\nThe program will terminate."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.message);
+        freshProgramFolder();
+        for (const char* name : c.removed)
+            QFile::remove(folder(name));
+        m_shown.clear();
+        start(false);
+        ASSERT_EQ(m_shown.size(), 1u);
+        EXPECT_EQ(m_shown[0].icon, QMessageBox::Critical);
+        EXPECT_EQ(m_shown[0].text, QString::fromLatin1(c.message));
+        EXPECT_FALSE(m_window->isFormLoaded());
+    }
+}
+
+TEST_F(MainWindowTest, StartsQuietlyWithoutItsSampleAndWithTheRememberedChoices)
+{
+    {
+        QSettings store(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
+        store.setValue(QStringLiteral("options/UdOrient"), QStringLiteral("2"));
+        store.setValue(QStringLiteral("options/NoteNamesType"), QStringLiteral("1"));
+        store.setValue(QStringLiteral("options/TuningICateg"), QStringLiteral("1"));
+    }
+    fMainProbe& w = start();
+    EXPECT_TRUE(m_shown.empty());
+    EXPECT_EQ(w.lblFile->text(), QStringLiteral("[No file is opened]"));
+    EXPECT_EQ(w.cmbOrient->currentIndex(), 2);
+    EXPECT_EQ(w.oud().orientation(), 2);
+    EXPECT_EQ(w.optNNames->checkedId(), 1);
+    EXPECT_EQ(w.cmbTuning->currentData().toInt(), 1);
+    EXPECT_EQ(w.oud().curTuningId(), 1);
+    EXPECT_EQ(w.cmbMaqams->itemText(0), QStringLiteral("--None--"));
+    EXPECT_FALSE(w.cmbMaqamStarts->isEnabled());
+    EXPECT_EQ(w.keyboardDownShift(), 1);
+}
+
+TEST_F(MainWindowTest, InstrumentChoicesAreStoredTheMomentTheyChange)
+{
+    fMainProbe& w = start();
+    w.cmbOrient->setCurrentIndex(3);
+    EXPECT_EQ(storedOption("UdOrient"), QStringLiteral("3"));
+    EXPECT_EQ(w.oud().orientation(), 3);
+
+    w.optNNames->button(1)->click();
+    EXPECT_EQ(storedOption("NoteNamesType"), QStringLiteral("1"));
+    EXPECT_TRUE(w.cmbTuning->currentText().startsWith(QStringLiteral("Fa")));  // captions refilled in solfège
+
+    const int32_t before = w.oud().curStringPitch()[0];
+    w.udTuneOctShift->setValue(1);
+    EXPECT_EQ(w.oud().curStringPitch()[0], before + 12);
+    EXPECT_TRUE(storedOption("TuningICateg").isEmpty());  // the octave is never stored
+
+    w.cmbTuning->setCurrentIndex(2);
+    EXPECT_EQ(storedOption("TuningICateg"), QString::number(w.cmbTuning->currentData().toInt()));
+    EXPECT_EQ(w.oud().curTuningId(), w.cmbTuning->currentData().toInt());
+}
+
+TEST_F(MainWindowTest, ChoosingAMaqamOffersItsTonicsAndAMarkerSelectsThem)
+{
+    fMainProbe& w = start();
+    const int rast = w.cmbMaqams->findText(QStringLiteral("Rast"));
+    ASSERT_GT(rast, 0);
+    w.cmbMaqams->setCurrentIndex(rast);
+    EXPECT_TRUE(w.cmbMaqamStarts->isEnabled());
+    EXPECT_EQ(w.cmbMaqamStarts->count(), 12);
+    EXPECT_EQ(w.cmbMaqamStarts->currentIndex(), w.maqams().maqamHomeTonic(rast).pitchClass);
+    EXPECT_EQ(w.maqams().curMaqamIndex(), rast);
+
+    w.cmbMaqamStarts->setCurrentIndex(2);
+    EXPECT_EQ(w.maqams().curMaqam().ipc[0], 2);  // every degree moved up to D
+
+    w.cmbMaqams->setCurrentIndex(0);
+    EXPECT_FALSE(w.cmbMaqamStarts->isEnabled());
+    EXPECT_FALSE(w.maqams().isMaqamSelected());
+}
+
+TEST_F(MainWindowTest, OpeningPiecesGoodAndBroken)
+{
+    fMainProbe& w = start();
+    const QString good = writePiece("a-rather-long-file-name.mid", 2500);
+    w.udMidiOctShift->setValue(1);
+    w.openFile(good, false);
+    EXPECT_TRUE(m_shown.empty());
+    EXPECT_EQ(w.lblFile->text(), QStringLiteral("[ a-rather-long-f... ]"));
+    EXPECT_EQ(w.pieceLength(), 2500);
+    EXPECT_EQ(w.sldPosition->maximum(), 2);
+    EXPECT_EQ(w.lblPieceLength->text(), QStringLiteral("000:02"));
+    EXPECT_EQ(w.udMidiOctShift->value(), 0);
+    EXPECT_FALSE(w.cmdSheet->isEnabled());
+
+    const QString broken = m_pieces.filePath(QStringLiteral("broken.mid"));
+    QFile f(broken);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("MThd\0\0\0\6\0\1\0\1\0", 13);
+    f.close();
+    w.openFile(broken, false);
+    ASSERT_EQ(m_shown.size(), 1u);
+    EXPECT_TRUE(m_shown[0].text.startsWith(QStringLiteral("Could not read the contents of the music file. Error ")));
+    EXPECT_EQ(w.lblFile->text(), QStringLiteral("[No file is opened]"));
+    EXPECT_TRUE(w.currentFilePath().isEmpty());
+
+    const QString notMzf = m_pieces.filePath(QStringLiteral("piece.Mzf"));
+    ASSERT_TRUE(QFile::copy(good, notMzf));  // a MIDI file is no MZF container
+    m_shown.clear();
+    w.openFile(notMzf, false);
+    ASSERT_EQ(m_shown.size(), 1u);
+    EXPECT_EQ(m_shown[0].text, QStringLiteral("The file <%1> is not a valid MZF file.").arg(notMzf));
+
+    m_shown.clear();
+    w.openFile(notMzf, true);
+    EXPECT_TRUE(m_shown.empty());
+    EXPECT_EQ(w.lblFile->text(), QStringLiteral("[No file is opened]"));
+}
+
+TEST_F(MainWindowTest, AnMzfWithItsSheetEnablesTheSheetButton)
+{
+    fMainProbe& w = start();
+    QFile midi(writePiece("inner.mid"));
+    ASSERT_TRUE(midi.open(QIODevice::ReadOnly));
+    const std::vector<MzfPart> parts = {{mzf::kMidiPartId, midi.readAll().toStdString()},
+                                        {mzf::kSheetPartId, std::string("sheet")}};
+    const QString path = m_pieces.filePath(QStringLiteral("with-sheet.mzf"));
+    QFile out(path);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    const std::string bytes = makeMultiPart(parts);
+    out.write(bytes.data(), static_cast<qint64>(bytes.size()));
+    out.close();
+    w.openFile(path, false);
+    EXPECT_TRUE(m_shown.empty());
+    EXPECT_TRUE(w.cmdSheet->isEnabled());
+    EXPECT_EQ(w.lblFile->text(), QStringLiteral("[ with-sheet.mzf ]"));
+}
+
+TEST_F(MainWindowTest, AHeldKeySoundsOnceAndTheArrowsStopAtTheEdges)
+{
+    fMainProbe& w = start();
+    QWidget* board = w.fingerboard();
+    QTest::keyPress(board, Qt::Key_Q);
+    QTest::keyPress(board, Qt::Key_Q, Qt::NoModifier);  // the system repeating a held key
+    QTest::keyRelease(board, Qt::Key_Q);
+    std::vector<uint32_t> notes = noteMessages(*m_recording);
+    ASSERT_EQ(notes.size(), 2u);
+    EXPECT_EQ(notes[0] & 0xFF, 0x90u);
+    EXPECT_EQ(notes[1] & 0xFF, 0x80u);
+    EXPECT_EQ((notes[0] >> 8) & 0x7F, (notes[1] >> 8) & 0x7F);
+
+    QTest::keyClick(board, Qt::Key_Up);
+    EXPECT_EQ(w.keyboardDownShift(), 0);
+    QTest::keyClick(board, Qt::Key_Up);
+    EXPECT_EQ(w.keyboardDownShift(), 0);
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(board, Qt::Key_Down);
+    EXPECT_EQ(w.keyboardDownShift(), 2);
+}
+
+TEST_F(MainWindowTest, AClickOnTheNutPlaysTheOpenStringAndAClickBesideTheStringsNothing)
+{
+    fMainProbe& w = start();
+    UdPictureWidget* board = w.fingerboard();
+    board->resize(743, 188);
+    const PicPoint nut = w.oud().curStringA()[2];
+    const QPoint onNut = board->toWidget(QRect(nut.x, nut.y, 1, 1)).center() - QPoint(1, 1);
+    QTest::mousePress(board, Qt::LeftButton, {}, onNut);
+    QTest::mouseRelease(board, Qt::LeftButton, {}, onNut);
+    std::vector<uint32_t> notes = noteMessages(*m_recording);
+    ASSERT_EQ(notes.size(), 2u);
+    EXPECT_EQ((notes[0] >> 8) & 0x7F, static_cast<uint32_t>(w.oud().curStringPitch()[2]));
+
+    m_recording->clear();
+    QTest::mouseClick(board, Qt::LeftButton, {}, QPoint(2, 2));
+    EXPECT_TRUE(noteMessages(*m_recording).empty());
+}
+
+TEST_F(MainWindowTest, PlayWithoutAPieceSaysSo)
+{
+    fMainProbe& w = start();
+    w.cmdPlay->click();
+    ASSERT_EQ(m_shown.size(), 1u);
+    EXPECT_EQ(m_shown[0].text,
+              QStringLiteral("There is no open file to play.\r\nOpen a file first, then press the play button"));
+    EXPECT_FALSE(w.cmdPlay->isChecked());
+}
+
+TEST_F(MainWindowTest, APiecePlaysThroughItsMarkerAndQuarterToneToTheEnd)
+{
+    fMainProbe& w = start();
+    w.openFile(writePiece("short.mid"), false);
+    QElapsedTimer clock;
+    clock.start();
+    w.cmdPlay->click();  // returns when the piece has ended
+    EXPECT_GE(clock.elapsed(), 100);
+    EXPECT_FALSE(w.cmdPlay->isChecked());
+    EXPECT_EQ(w.sldPosition->value(), 0);
+    EXPECT_EQ(w.cmbMaqams->currentText(), QStringLiteral("Rast"));  // "Q:Rast/0"
+    EXPECT_EQ(w.cmbMaqamStarts->currentIndex(), 0);
+
+    const std::vector<uint32_t> words = m_recording->words();
+    const auto bend = std::find(words.begin(), words.end(), 0x5000E0u);  // channel 0, 10240
+    // Velocity 100 at the window's volume of 100: 100 x 100 / 127, to the nearest integer.
+    const auto secondNote = std::find(words.begin(), words.end(), 0x00000090u | (64u << 8) | (79u << 16));
+    ASSERT_NE(secondNote, words.end());
+    ASSERT_NE(bend, words.end());
+    EXPECT_LT(bend, secondNote);  // the quarter tone reaches the device before its note
+}
+
+}  // namespace
+}  // namespace tarabix
