@@ -263,7 +263,7 @@ int32_t MidiFile::stampTicksPerQuarter()
 {
     // A tempo change holds for every later event of every track, including events at the same tick
     // in higher-numbered tracks.
-    int32_t tempo = kDefaultTempo;
+    double msPerQuarter = kDefaultTempo / 1000.0;
     int32_t lastTempoTick = 0;
     int32_t lastTempoMs = 0;
     int32_t sinceCheck = 0;
@@ -277,7 +277,7 @@ int32_t MidiFile::stampTicksPerQuarter()
             return midierr::kOverflow;
         if (division_ == 0)
             return midierr::kDivisionByZero;
-        const double ms = lastTempoMs + *ticks * (tempo / 1000.0) / division_;
+        const double ms = lastTempoMs + *ticks * msPerQuarter / division_;
         const std::optional<int32_t> absMS = roundHalfEvenToInt32(ms);
         if (!absMS)
             return midierr::kOverflow;
@@ -286,7 +286,7 @@ int32_t MidiFile::stampTicksPerQuarter()
             // Fewer than four data bytes are taken as if padded with zeros on the left, so the usual
             // three give the 24-bit tempo.
             const std::string_view data = std::string_view(e.eData).substr(1);
-            tempo = bigEndian(data.substr(0, 4));
+            msPerQuarter = bigEndian(data.substr(0, 4)) / 1000.0;
             lastTempoTick = e.absTick;
             lastTempoMs = e.absMS;
         }

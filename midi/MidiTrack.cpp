@@ -150,7 +150,7 @@ bool MidiTrack::trkChannels(int32_t channel) const
 void MidiTrack::setTrkChannels(int32_t channel, bool on)
 {
     checkIndex(channel, channels_.size());
-    channels_[static_cast<size_t>(channel)] = on;
+    channels_.set(static_cast<size_t>(channel), on);
 }
 
 bool MidiTrack::trkActInstrs(int32_t program) const
@@ -162,12 +162,12 @@ bool MidiTrack::trkActInstrs(int32_t program) const
 void MidiTrack::setTrkActInstrs(int32_t program, bool on)
 {
     checkIndex(program, programs_.size());
-    programs_[static_cast<size_t>(program)] = on;
+    programs_.set(static_cast<size_t>(program), on);
 }
 
 int32_t MidiTrack::trkNChannels() const
 {
-    return static_cast<int32_t>(std::count(channels_.begin(), channels_.end(), true));
+    return static_cast<int32_t>(channels_.count());
 }
 
 std::string MidiTrack::lastMaqamMetaText() const
@@ -198,8 +198,8 @@ void MidiTrack::clear()
     nEvents_ = 0;
     trkName.clear();
     trkInstrument.clear();
-    channels_.fill(false);
-    programs_.fill(false);
+    channels_.reset();
+    programs_.reset();
 }
 
 void MidiTrack::copyFrom(const MidiTrack& other)
@@ -225,12 +225,12 @@ bool MidiTrack::noteBookkeeping(const MidiEvent& evt)
 {
     if (evt.eType == MidiEvent::kChannelMessage && !evt.eData.empty()) {
         const auto status = static_cast<uint8_t>(evt.eData[0]);
-        channels_[status & 0x0F] = true;
+        channels_.set(status & 0x0Fu);
         if ((status & 0xF0) == 0xC0) {
             const int program = evt.eData.size() > 1 ? static_cast<uint8_t>(evt.eData[1]) : -1;
             if (program < 0 || program > 127)
                 return false;
-            programs_[static_cast<size_t>(program)] = true;
+            programs_.set(static_cast<size_t>(program));
         }
     } else if (evt.isMeta(0x03)) {
         trkName = evt.eData.substr(1);
@@ -258,11 +258,11 @@ bool MidiTrack::appendChannelMessage(int32_t deltaTick, uint8_t status, uint8_t 
     slot.deltaTick = deltaTick;
     slot.absTick = 0;
     slot.absMS = 0;
-    channels_[status & 0x0F] = true;
+    channels_.set(status & 0x0Fu);
     if ((status & 0xF0) == 0xC0) {
         if (data1 > 127)
             return false;
-        programs_[data1] = true;
+        programs_.set(data1);
     }
     return true;
 }

@@ -2,7 +2,7 @@
 
 #include "midi/MidiEvent.h"
 
-#include <array>
+#include <bitset>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -98,8 +98,9 @@ private:
 
     std::vector<MidiEvent> events_;
     int32_t nEvents_ = 0;
-    std::array<bool, 16> channels_{};
-    std::array<bool, 128> programs_{};
+    // Bits rather than bools: a header may announce 32767 tracks before any of them is read.
+    std::bitset<16> channels_;
+    std::bitset<128> programs_;
 };
 
 }  // namespace tarabix
