@@ -2,6 +2,7 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/fSheet.h"
 #include "oud/view/UdPictureWidget.h"
 #include "oud/view/UdResources.h"
 #include "playback/qt/QtPlayerWait.h"
@@ -30,6 +31,7 @@ fMain::fMain(fMainEnvironment environment) : m_env(std::move(environment))
     buildMenus();
     connectFileCommands();
     connectTransport();
+    connectMenus();
     resetPlayerChannelTables();
 }
 
@@ -151,6 +153,8 @@ void fMain::unload()
 {
     tmrAct->stop();
     stopPlaying();
+    if (fSheet::isLoaded())
+        fSheet::unload();
     closeMidiOut();
     m_deviceHeld = false;
     m_formLoaded = false;

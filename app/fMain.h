@@ -10,6 +10,7 @@
 
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QPointer>
 #include <QSettings>
 
 #include <array>
@@ -31,6 +32,7 @@ class UdPictureWidget;
 class UserSettings;
 class KeyGuideOverlay;
 class QtPlayerWait;
+class fChannels;
 
 // How the window meets the world: where the program lives, which settings store it uses and how a
 // message reaches the learner. Tests replace the store and the message box.
@@ -151,6 +153,15 @@ private:
     void cmdOpen_Click();
     void showNoFile();
 
+    // Menus and dialogs (fMainMenus.cpp).
+    void connectMenus();
+    void mnu_Opts_Notes_Click();
+    void mnu_Opts_MKB_Click();
+    void mnu_Opts_Channels_Click();
+    void showHelp();
+    void cmdSheet_Click();
+    uint16_t pieceChannels() const;
+
     // Transport (fMainTransport.cpp).
     void connectTransport();
     void cmdPlay_Toggled(bool down);
@@ -209,6 +220,7 @@ private:
     float m_catchUpTolerance = 1.0f;
     bool m_deviceHeld = false;
     QTimer* tmrAct = nullptr;
+    QPointer<fChannels> m_channelsDialog;
 
     bool m_formLoaded = false;
     bool m_initialising = false;

@@ -26,6 +26,15 @@ void PieceRouter::resetChannelState()
     m_sounding.fill(0);
 }
 
+void PieceRouter::silenceChannel(int ch)
+{
+    constexpr uint8_t kSustain = 64;
+    constexpr uint8_t kAllNotesOff = 123;
+    midiOutShortMsg(packShortMessage(static_cast<uint8_t>(0xB0 + ch), kSustain, 0));
+    midiOutShortMsg(packShortMessage(static_cast<uint8_t>(0xB0 + ch), kAllNotesOff, 0));
+    m_sounding.at(ch) = 0;
+}
+
 void PieceRouter::route(uint8_t status, uint8_t c1, uint8_t c2)
 {
     const int ch = status & 0x0F;

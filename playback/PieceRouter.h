@@ -29,6 +29,10 @@ public:
     // What playing starts from: no channel shifted, nothing sounding.
     void resetChannelState();
 
+    // Cuts every note of one channel at once (sustain off, all notes off) and forgets them, so a
+    // channel muted while it sounds falls silent and follows the piece's pitch wheel again.
+    void silenceChannel(int ch);
+
     bool channelEnabled(int ch) const { return m_enabled.at(ch); }
     void setChannelEnabled(int ch, bool on) { m_enabled.at(ch) = on; }
     bool channelShown(int ch) const { return m_shown.at(ch); }
