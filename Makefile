@@ -1,13 +1,14 @@
 # make run   - install what is missing, build, start Tarabix on its start-up sample
 # make test  - the same, then the whole suite, then the suite again under ASan + UBSan
 # make build - build only, into build/
+# make assets / make samples - regenerate the pictures / sample pieces in data/
 BUILD_DIR ?= build
 ASAN_DIR  ?= build-asan
 FUZZ_DIR  ?= build-fuzz
 FUZZ_SECONDS ?= 15
 CMAKE_GEN ?= -G Ninja
 
-.PHONY: all deps configure build run test test-asan fuzz-smoke bench clean
+.PHONY: all deps configure build run test test-asan fuzz-smoke bench assets samples clean
 
 all: build
 
@@ -54,6 +55,14 @@ fuzz-smoke:
 
 bench: deps build
 	@for b in $(BUILD_DIR)/bench/*_bench; do [ -x "$$b" ] && "$$b"; done; true
+
+# The fingerboard picture, mark strip and note-name glyphs in data/, drawn by our generator.
+assets: deps build
+	$(BUILD_DIR)/bin/tarabix-gen-assets data
+
+# The sample pieces in data/samples/ (installs LilyPond for the sheets when it is missing).
+samples: deps
+	tools/samples/gen-samples
 
 clean:
 	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)
