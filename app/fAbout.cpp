@@ -15,6 +15,7 @@ fAbout::fAbout(const AppIdentity& identity, QWidget* parent)
     : QDialog(parent)
 {
     setWindowTitle(tr("About %1").arg(identity.title));
+    setMinimumWidth(420);
     auto* layout = new QVBoxLayout(this);
 
     lblTitle = new QLabel(identity.title, this);

@@ -121,16 +121,15 @@ void fMidiDevs::cmdTest_Click()
     if (!m_testPort) {
         if (!reason.empty())
             showSilence(tr("This device gives no sound"), reason);
-        m_failureBox = new QMessageBox(QMessageBox::Warning, appIdentity().title,
-                                       QStringLiteral("Unable to use this device now.\r\n"
-                                                      "It might be in exclusive use by another program, "
-                                                      "or it can be unusable."),
-                                       QMessageBox::Ok, this);
+        auto* box = new QMessageBox(QMessageBox::Warning, appIdentity().title,
+                                    QStringLiteral("Unable to use this device now.\r\n"
+                                                   "It might be in exclusive use by another program, "
+                                                   "or it can be unusable."),
+                                    QMessageBox::Ok, this);
         if (!reason.empty())
-            m_failureBox->setInformativeText(QString::fromStdString(reason));
-        m_failureBox->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_failureBox, &QObject::destroyed, this, [this] { m_failureBox = nullptr; });
-        m_failureBox->open();
+            box->setInformativeText(QString::fromStdString(reason));
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
         return;
     }
     lblStatus->hide();

@@ -9,7 +9,6 @@
 
 class QComboBox;
 class QLabel;
-class QMessageBox;
 class QPushButton;
 
 namespace tarabix {
@@ -56,7 +55,6 @@ private:
     std::unique_ptr<MidiOutPort> m_testPort;
     size_t m_testStep = 0;
     QTimer m_testTimer;
-    QMessageBox* m_failureBox = nullptr;
 };
 
 }  // namespace tarabix
