@@ -10,6 +10,12 @@
 #include <array>
 #include <memory>
 
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace tarabix {
 namespace {
 
@@ -109,6 +115,83 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
     EXPECT_TRUE(reopened.boolValue(Setting::MkbDoubling));
     EXPECT_EQ(reopened.udOrient(), 3);
     EXPECT_EQ(reopened.tuningICateg(), -2);
+}
+
+
+// Makes a file or folder unwritable for this process while it lives: by its mode for an ordinary
+// user, by the immutable flag for root (whom the mode does not stop). ok() is false when neither
+// is possible here.
+class Unwritable {
+public:
+    explicit Unwritable(std::string path) : path_(std::move(path))
+    {
+        if (::geteuid() != 0) {
+            struct stat st {};
+            ok_ = ::stat(path_.c_str(), &st) == 0 && ::chmod(path_.c_str(), st.st_mode & 0555) == 0;
+            mode_ = st.st_mode;
+            return;
+        }
+        immutable_ = ok_ = setImmutable(true);
+    }
+    ~Unwritable()
+    {
+        if (!ok_)
+            return;
+        if (immutable_)
+            setImmutable(false);
+        else
+            ::chmod(path_.c_str(), mode_);
+    }
+    Unwritable(const Unwritable&) = delete;
+    Unwritable& operator=(const Unwritable&) = delete;
+
+    bool ok() const { return ok_; }
+
+private:
+    bool setImmutable(bool on) const
+    {
+        const int fd = ::open(path_.c_str(), O_RDONLY);
+        int flags = 0;
+        bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+        if (done) {
+            flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
+            done = ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+        }
+        if (fd >= 0)
+            ::close(fd);
+        return done;
+    }
+
+    std::string path_;
+    mode_t mode_ = 0;
+    bool ok_ = false;
+    bool immutable_ = false;
+};
+
+// A profile that cannot be written (a locked-down account, a read-only disk): the learner's
+// changes hold for this run, nothing crashes, and every choice already stored survives untouched.
+TEST_F(UserSettingsTest, UnwritableStoreKeepsStoredChoicesAndTheSessionsChanges)
+{
+    const std::string before = "[options]\nUdOrient=3\napproxQrt=False\nNoteNamesType=1\n";
+    const std::string path = dir_.write("Tarabix.conf", before);
+    {
+        const Unwritable folder(dir_.path("."));
+        const Unwritable file(path);
+        if (!folder.ok() || !file.ok())
+            GTEST_SKIP() << "cannot make the store unwritable here";
+        {
+            UserSettings settings(std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat));
+            settings.setInt(Setting::UdOrient, 2);
+            settings.setBool(Setting::ApproxQrt, true);
+            settings.setInt(Setting::TuningICateg, 4);
+            EXPECT_EQ(settings.udOrient(), 2);
+            EXPECT_TRUE(settings.boolValue(Setting::ApproxQrt));
+            EXPECT_EQ(settings.tuningICateg(), 4);
+            EXPECT_EQ(settings.intValue(Setting::NoteNamesType), 1);
+        }
+        // The next start reads the file: it still holds every earlier choice, byte for byte.
+        EXPECT_EQ(stored(), before);
+    }
 }
 
 }  // namespace
