@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Start-up speed: launch to the window shown with the start-up piece loaded, under a virtual
+# display, and how soon the built-in synthesizer can sound.
+#   bench/startup.sh [BUILD_DIR] [RUNS]      (defaults: build 15)
+# Each run starts bin/tarabix --startup-report from a scratch working directory with default
+# settings (a fresh XDG_CONFIG_HOME); the program prints the milliseconds since its process started
+# (the kernel's start time, 10 ms steps) and since main(), then quits. One warm-up run first, so
+# every run finds the libraries and data in the page cache, as a learner's second start does.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+build=${1:-build}
+runs=${2:-15}
+[[ $build = /* ]] || build=$here/../$build
+bin=$build/bin/tarabix
+[[ -x $bin ]] || { echo "no $bin: build the tarabix target first" >&2; exit 1; }
+
+scratch=$(mktemp -d)
+xvfb_pid=
+cleanup() {
+    [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
+    rm -rf "$scratch"
+}
+trap cleanup EXIT
+
+display=:$((90 + RANDOM % 400))
+while [[ -e /tmp/.X11-unix/X${display#:} ]]; do display=:$((90 + RANDOM % 400)); done
+Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >"$scratch/xvfb.log" 2>&1 &
+xvfb_pid=$!
+for _ in $(seq 50); do [[ -e /tmp/.X11-unix/X${display#:} ]] && break; sleep 0.1; done
+
+export DISPLAY=$display QT_QPA_PLATFORM=xcb
+export XDG_CONFIG_HOME=$scratch/config XDG_RUNTIME_DIR=$scratch/run
+mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
+cd "$scratch"
+
+"$bin" --startup-report >/dev/null
+for _ in $(seq "$runs"); do
+    "$bin" --startup-report
+done >"$scratch/runs.txt"
+
+grep -q 'piece=none' "$scratch/runs.txt" && echo "warning: the start-up piece was not loaded" >&2
+
+summary() {  # field name -> "median (min to max)"
+    sed -n "s/.*$1=\([0-9.]*\).*/\1/p" "$scratch/runs.txt" | sort -n |
+        awk '{v[NR] = $1} END {m = NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2;
+                               printf "%.0f ms (min %.0f, max %.0f, %d runs)", m, v[1], v[NR], NR}'
+}
+echo "machine: $(nproc) cores, load average $(cut -d' ' -f1-3 /proc/loadavg)"
+echo "window with the start-up piece, from process start: $(summary startup_ms)"
+echo "window with the start-up piece, from main():        $(summary main_to_window_ms)"
+
+if command -v hyperfine >/dev/null; then
+    echo "whole run, launch to exit (hyperfine):"
+    hyperfine --style basic --warmup 2 --runs "$runs" "$bin --startup-report" 2>/dev/null |
+        sed -n 's/^ *Time (mean ± σ): *\(.*\)/  mean \1/p; s/^ *Range (min … max): *\(.*\)/  range \1/p'
+fi
+
+sf_bench=$build/bench/soundfont_ready_bench
+if [[ -x $sf_bench ]]; then
+    echo "built-in synthesizer (file driver in place of a sound card):"
+    "$sf_bench" --benchmark_format=console 2>/dev/null | grep -E '^(SynthOpen|SoundFontReady)' |
+        awk '{printf "  %-16s %s %s\n", substr($1, 1, index($1, "/") - 1), $2, $3}'
+fi
