@@ -1,0 +1,215 @@
+// tarabix-soak-pieces OUT_DIR COUNT [SEED]: writes COUNT short random but valid Standard MIDI Files
+// through our own MIDI writer, for the soak run (scripts/soak). Each piece lasts about 1 to 5 s
+// and mixes what real pieces carry: several tracks, tempo changes, notes on every channel
+// (drums too), program changes, pitch wheels in quarter tones, text markers with "Q:" maqam
+// choices (known, unknown, malformed), lyrics, names, system exclusive messages, and every kind
+// of division (ticks per quarter note and SMPTE frames).
+#include "midi/MidiFile.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using tarabix::ListedEvent;
+using tarabix::MidiEvent;
+
+struct Division {
+    int16_t raw;
+    double msPerTickAtDefaultTempo;  // SMPTE divisions ignore the tempo
+};
+
+// SMPTE: high byte the negative frame rate, low byte ticks per frame.
+int16_t smpteDivision(int framesPerSecond, int ticksPerFrame)
+{
+    return static_cast<int16_t>(static_cast<uint16_t>((256 - framesPerSecond) << 8 | ticksPerFrame));
+}
+
+const std::vector<Division>& divisions()
+{
+    static const std::vector<Division> list = {
+        {24, 500.0 / 24},   {96, 500.0 / 96},   {120, 500.0 / 120},
+        {480, 500.0 / 480}, {960, 500.0 / 960}, {1, 500.0},
+        {smpteDivision(24, 40), 1000.0 / (24 * 40)},   {smpteDivision(25, 40), 1000.0 / (25 * 40)},
+        {smpteDivision(29, 80), 1000.0 / (29.97 * 80)}, {smpteDivision(30, 100), 1000.0 / (30 * 100)},
+    };
+    return list;
+}
+
+const char* const kMarkers[] = {"Q:Rast/0", "Q:Bayati/2", "q:saba/7",  "Q:Hijaz/11", "Q:Nahawand/5",
+                                "Q:Sikah/4", "Q:Unknown/3", "Q:Rast/12", "Q:Rast/x",  "Q:/1",
+                                "Q:Kurd/-1", "Q:Huzam/ 4",  "verse 2",   "Q:",        "Q:Ajam/0/1"};
+
+class PieceMaker {
+public:
+    explicit PieceMaker(uint32_t seed) : rng_(seed) {}
+
+    std::string make()
+    {
+        events_.clear();
+        const Division& div = divisions()[pick(0, static_cast<int>(divisions().size()) - 1)];
+        const int tracks = pick(1, 5);
+        const bool format0 = tracks == 1 && pick(0, 1) == 0;
+        // Ticks for the wanted length at the default tempo; tempo changes keep within half to twice it.
+        const double lengthMs = pick(1000, 5000);
+        const int32_t lastTick = static_cast<int32_t>(lengthMs / div.msPerTickAtDefaultTempo) + 1;
+
+        if (pick(0, 1))
+            meta(0, 0, 0x03, "soak piece");
+        meta(0, 0, 0x58, std::string{4, 2, 24, 8});
+        // SMPTE pieces carry tempo events too: their timing must ignore them.
+        const int changes = pick(0, 4);
+        for (int i = 0; i < changes; ++i)
+            meta(0, pick(0, lastTick), 0x51, tempoBytes(pick(250000, 1000000)));
+        for (int t = 0; t < tracks; ++t)
+            fillTrack(t, lastTick);
+
+        tarabix::MidiFile file;
+        file.setMidiFileFormat(format0 ? 0 : 1);
+        file.setMidiHdrDivision(div.raw);
+        if (const int32_t status = file.setFromList(events_)) {
+            std::fprintf(stderr, "tarabix-soak-pieces: setFromList status %d\n", status);
+            return {};
+        }
+        std::string bytes = file.makeMidiStr();
+        // Our writer leaves system exclusive messages out, as the player never sends them; a piece
+        // from elsewhere may still carry them, so some pieces get a track of them added by hand.
+        if (!format0 && pick(0, 2) == 0)
+            bytes = withSysExTrack(bytes, lastTick);
+        return bytes;
+    }
+
+private:
+    int pick(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng_); }
+
+    void add(int32_t track, int32_t tick, int32_t type, std::string data)
+    {
+        ListedEvent e;
+        e.track = track;
+        e.absTick = tick;
+        e.event.eType = type;
+        e.event.eData = std::move(data);
+        events_.push_back(std::move(e));
+    }
+    void meta(int32_t track, int32_t tick, int type, const std::string& data)
+    {
+        add(track, tick, MidiEvent::kMeta, std::string(1, static_cast<char>(type)) + data);
+    }
+    void channel(int32_t track, int32_t tick, int status, int d1, int d2)
+    {
+        add(track, tick, MidiEvent::kChannelMessage,
+            {static_cast<char>(status), static_cast<char>(d1), static_cast<char>(d2)});
+    }
+
+    static std::string tempoBytes(int32_t us)
+    {
+        return {static_cast<char>(us >> 16 & 0xFF), static_cast<char>(us >> 8 & 0xFF), static_cast<char>(us & 0xFF)};
+    }
+
+    void fillTrack(int32_t track, int32_t lastTick)
+    {
+        const int ch = pick(0, 15);
+        meta(track, 0, 0x03, "track " + std::to_string(track));
+        if (pick(0, 1))
+            meta(track, 0, 0x04, "oud");
+        channel(track, 0, 0xC0 | ch, pick(0, 127), 0);
+        const int notes = pick(0, 40);
+        for (int i = 0; i < notes; ++i) {
+            const int32_t on = pick(0, lastTick);
+            const int32_t off = std::min(lastTick, on + pick(0, lastTick / 4 + 1));
+            const int key = pick(0, 127);
+            const int noteCh = pick(0, 5) == 0 ? pick(0, 15) : ch;
+            if (pick(0, 3) == 0) {
+                // A quarter tone: the wheel moves while the channel is silent, then comes back.
+                const int cents = pick(-4, 4) * 50;
+                const int value = std::clamp(8192 + cents * 4096 / 100, 0, 16383);
+                channel(track, on, 0xE0 | noteCh, value & 0x7F, value >> 7 & 0x7F);
+            }
+            channel(track, on, 0x90 | noteCh, key, pick(1, 127));
+            // Half the notes end with a note-on of velocity 0, as many writers do.
+            if (pick(0, 1))
+                channel(track, off, 0x80 | noteCh, key, pick(0, 127));
+            else
+                channel(track, off, 0x90 | noteCh, key, 0);
+        }
+        const int others = pick(0, 10);
+        for (int i = 0; i < others; ++i) {
+            const int32_t tick = pick(0, lastTick);
+            switch (pick(0, 6)) {
+            case 0: channel(track, tick, 0xC0 | pick(0, 15), pick(0, 127), 0); break;
+            case 1: channel(track, tick, 0xB0 | pick(0, 15), pick(0, 127), pick(0, 127)); break;
+            case 2: channel(track, tick, 0xE0 | pick(0, 15), pick(0, 127), pick(0, 127)); break;
+            case 3: channel(track, tick, 0xD0 | pick(0, 15), pick(0, 127), 0); break;
+            case 4: channel(track, tick, 0xA0 | pick(0, 15), pick(0, 127), pick(0, 127)); break;
+            case 5: meta(track, tick, 0x05, "la"); break;
+            default: meta(track, tick, pick(0, 1) ? 0x01 : 0x06, kMarkers[pick(0, std::size(kMarkers) - 1)]); break;
+            }
+        }
+    }
+
+    static std::string vlq(uint32_t n)
+    {
+        std::string out(1, static_cast<char>(n & 0x7F));
+        while (n >>= 7)
+            out.insert(out.begin(), static_cast<char>(0x80 | (n & 0x7F)));
+        return out;
+    }
+
+    std::string withSysExTrack(std::string smf, int32_t lastTick)
+    {
+        std::string body;
+        const int messages = pick(1, 4);
+        for (int i = 0; i < messages; ++i) {
+            std::string data;
+            const int n = pick(0, 20);
+            for (int b = 0; b < n; ++b)
+                data.push_back(static_cast<char>(pick(0, 127)));
+            data.push_back(static_cast<char>(0xF7));
+            body += vlq(static_cast<uint32_t>(pick(0, lastTick / messages))) + '\xF0' + vlq(static_cast<uint32_t>(data.size())) + data;
+        }
+        body += std::string("\x00\xFF\x2F\x00", 4);
+        const uint32_t len = static_cast<uint32_t>(body.size());
+        smf += "MTrk";
+        for (int shift = 24; shift >= 0; shift -= 8)
+            smf.push_back(static_cast<char>(len >> shift & 0xFF));
+        smf += body;
+        // One more track in the header's count (bytes 10-11, big-endian).
+        const int count = (static_cast<uint8_t>(smf[10]) << 8 | static_cast<uint8_t>(smf[11])) + 1;
+        smf[10] = static_cast<char>(count >> 8);
+        smf[11] = static_cast<char>(count & 0xFF);
+        return smf;
+    }
+
+    std::mt19937 rng_;
+    std::vector<ListedEvent> events_;
+};
+
+}  // namespace
+
+int main(int argc, char* argv[])
+{
+    if (argc < 3) {
+        std::fputs("usage: tarabix-soak-pieces OUT_DIR COUNT [SEED]\n", stderr);
+        return 2;
+    }
+    const std::string dir = argv[1];
+    const int count = std::atoi(argv[2]);
+    const uint32_t seed = argc > 3 ? static_cast<uint32_t>(std::strtoul(argv[3], nullptr, 10)) : 1;
+    PieceMaker maker(seed);
+    for (int i = 0; i < count; ++i) {
+        const std::string bytes = maker.make();
+        if (bytes.empty())
+            return 1;
+        char name[32];
+        std::snprintf(name, sizeof name, "/random-%04d.mid", i);
+        std::FILE* f = std::fopen((dir + name).c_str(), "wb");
+        if (!f || std::fwrite(bytes.data(), 1, bytes.size(), f) != bytes.size() || std::fclose(f) != 0) {
+            std::fprintf(stderr, "tarabix-soak-pieces: cannot write %s%s\n", dir.c_str(), name);
+            return 1;
+        }
+    }
+    return 0;
+}
