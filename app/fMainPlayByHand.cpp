@@ -84,10 +84,10 @@ bool fMain::handleGridKey(QKeyEvent* event, bool down)
     if (down && !event->isAutoRepeat()) {
         if (key == Qt::Key_Escape || key == Qt::Key_Up)
             shiftKeyboard(-1);
-        else if (key == Qt::Key_Down || key == Qt::Key_QuoteLeft)
+        else if (key == Qt::Key_Down || isKeyLeftOfOne(*event))
             shiftKeyboard(+1);
     }
-    const KeyGridCell cell = keyGridCell(key);
+    const KeyGridCell cell = keyGridCell(*event);
     if (!cell.valid())
         return false;
     m_fingerboard->setFocus();

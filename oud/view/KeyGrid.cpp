@@ -1,5 +1,7 @@
 #include "oud/view/KeyGrid.h"
 
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <Qt>
 
 #include <array>
@@ -28,7 +30,58 @@ int columnIn(const std::array<int, N>& row, int key)
     return -1;
 }
 
+// PC scan codes of the grid's positions, row by row (set 1; Linux's evdev numbers are the same).
+constexpr std::array<int, 13> kScanRow0 = {2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
+constexpr std::array<int, 12> kScanRow1 = {16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27};
+constexpr std::array<int, 11> kScanRow2 = {30, 31, 32, 33, 34, 35, 36, 37, 38, 39, 40};
+constexpr std::array<int, 10> kScanRow3 = {44, 45, 46, 47, 48, 49, 50, 51, 52, 53};
+constexpr int kScanBackslash = 43;
+constexpr int kScanLeftOfOne = 41;
+
 }  // namespace
+
+KeyGridCell keyGridCellAtScanCode(int scanCode)
+{
+    if (scanCode == kScanBackslash)
+        return {0, 2};
+    if (int c = columnIn(kScanRow0, scanCode); c >= 0)
+        return {c, 0};
+    if (int c = columnIn(kScanRow1, scanCode); c >= 0)
+        return {c, 1};
+    if (int c = columnIn(kScanRow2, scanCode); c >= 0)
+        return {c, 2};
+    if (int c = columnIn(kScanRow3, scanCode); c >= 0)
+        return {c, 3};
+    return {};
+}
+
+int physicalScanCode(const QKeyEvent& event)
+{
+    const quint32 native = event.nativeScanCode();
+    if (native == 0)
+        return 0;
+    static const QString platform = QGuiApplication::platformName();
+    // X keycodes are the kernel's key numbers plus 8.
+    if (platform == QLatin1String("xcb") || platform.startsWith(QLatin1String("wayland")))
+        return native > 8 ? static_cast<int>(native - 8) : 0;
+    if (platform == QLatin1String("windows"))
+        return static_cast<int>(native & 0xFF);
+    return 0;
+}
+
+KeyGridCell keyGridCell(const QKeyEvent& event)
+{
+    if (const int scan = physicalScanCode(event))
+        return keyGridCellAtScanCode(scan);
+    return keyGridCell(event.key());
+}
+
+bool isKeyLeftOfOne(const QKeyEvent& event)
+{
+    if (const int scan = physicalScanCode(event))
+        return scan == kScanLeftOfOne;
+    return event.key() == Qt::Key_QuoteLeft;
+}
 
 KeyGridCell keyGridCell(int qtKey)
 {
