@@ -1,0 +1,46 @@
+# Runs at install time from Install.cmake, with layout, programDir, binDir, dataRoot and template
+# set: writes the desktop entry for the real prefix, links P/bin to the bundle's executables, and
+# refreshes the desktop's caches when installing into a live system.
+set(root "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}")
+set(exec "${CMAKE_INSTALL_PREFIX}/${programDir}/tarabix")
+# The Exec line splits on spaces; TryExec takes the path as it is.
+set(execQuoted "${exec}")
+if(exec MATCHES " ")
+  set(execQuoted "\"${exec}\"")
+endif()
+
+if(layout STREQUAL "bundle")
+  file(MAKE_DIRECTORY "${root}/${binDir}")
+  file(RELATIVE_PATH target "${CMAKE_INSTALL_PREFIX}/${binDir}" "${CMAKE_INSTALL_PREFIX}/${programDir}")
+  foreach(program tarabix tarabix-cli)
+    if(EXISTS "${root}/${programDir}/${program}")
+      message(STATUS "Installing: ${root}/${binDir}/${program} -> ${target}/${program}")
+      file(CREATE_LINK "${target}/${program}" "${root}/${binDir}/${program}" SYMBOLIC)
+      list(APPEND CMAKE_INSTALL_MANIFEST_FILES "${root}/${binDir}/${program}")
+    endif()
+  endforeach()
+endif()
+
+file(READ "${template}" entry)
+string(REPLACE "@TARABIX_EXEC@ " "${execQuoted} " entry "${entry}")
+string(REPLACE "@TARABIX_EXEC@" "${exec}" entry "${entry}")
+set(desktopFile "${root}/${dataRoot}/applications/tarabix.desktop")
+message(STATUS "Installing: ${desktopFile}")
+file(WRITE "${desktopFile}" "${entry}")
+list(APPEND CMAKE_INSTALL_MANIFEST_FILES "${desktopFile}")
+
+if("$ENV{DESTDIR}" STREQUAL "")
+  find_program(updateMime update-mime-database)
+  find_program(updateDesktop update-desktop-database)
+  find_program(updateIcons gtk-update-icon-cache)
+  if(updateMime)
+    execute_process(COMMAND "${updateMime}" "${root}/${dataRoot}/mime" RESULT_VARIABLE status)
+  endif()
+  if(updateDesktop)
+    execute_process(COMMAND "${updateDesktop}" "${root}/${dataRoot}/applications" RESULT_VARIABLE status)
+  endif()
+  if(updateIcons)
+    execute_process(COMMAND "${updateIcons}" --quiet --ignore-theme-index "${root}/${dataRoot}/icons/hicolor"
+                    RESULT_VARIABLE status)
+  endif()
+endif()
