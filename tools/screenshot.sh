@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# The README's picture: Tarabix playing a piece, taken under a virtual display.
+#   tools/screenshot.sh [BUILD_DIR] [PIECE] [OUT]
+# defaults: build, samples/rast/samai-rast.mzf (a piece in maqam rast with its quarter tones),
+# docs/screenshot.png. Starts Xvfb, opens the piece, presses Play (Alt+P), waits until notes are
+# sounding and captures the window. Installs Xvfb, xdotool and ImageMagick when missing.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-build}
+[[ $build = /* ]] || build=$here/$build
+piece=${2:-$build/bin/samples/rast/samai-rast.mzf}
+out=${3:-$here/docs/screenshot.png}
+play_seconds=${PLAY_SECONDS:-6}
+bin=$build/bin/tarabix
+[[ -x $bin ]] || { echo "no $bin: build the tarabix target first" >&2; exit 1; }
+[[ -f $piece ]] || { echo "no piece $piece" >&2; exit 1; }
+
+need=()
+command -v Xvfb >/dev/null || need+=(xvfb)
+command -v xdotool >/dev/null || need+=(xdotool)
+# A stand-in `import` without -window support is replaced by the real ImageMagick.
+import -version 2>/dev/null | grep -q ImageMagick || need+=(imagemagick)
+if ((${#need[@]})); then
+    sudo=; [[ $(id -u) -eq 0 ]] || sudo=sudo
+    $sudo apt-get update -qq && $sudo apt-get install -y -qq --no-install-recommends "${need[@]}" >/dev/null
+fi
+
+scratch=$(mktemp -d)
+xvfb_pid= app_pid=
+cleanup() {
+    [[ -n $app_pid ]] && kill "$app_pid" 2>/dev/null
+    [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
+    rm -rf "$scratch"
+}
+trap cleanup EXIT
+
+display=:$((90 + RANDOM % 400))
+while [[ -e /tmp/.X11-unix/X${display#:} ]]; do display=:$((90 + RANDOM % 400)); done
+Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >"$scratch/xvfb.log" 2>&1 &
+xvfb_pid=$!
+for _ in $(seq 50); do [[ -e /tmp/.X11-unix/X${display#:} ]] && break; sleep 0.1; done
+
+# Default settings, so the picture shows what a newcomer sees.
+export DISPLAY=$display QT_QPA_PLATFORM=xcb
+export XDG_CONFIG_HOME=$scratch/config XDG_RUNTIME_DIR=$scratch/run
+mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
+
+"$bin" "$piece" >"$scratch/tarabix.log" 2>&1 &
+app_pid=$!
+window=
+for _ in $(seq 100); do
+    window=$(xdotool search --onlyvisible --name '^Tarabix' 2>/dev/null | head -1) && [[ -n $window ]] && break
+    sleep 0.1
+done
+[[ -n $window ]] || { echo "the window did not appear" >&2; cat "$scratch/tarabix.log" >&2; exit 1; }
+
+sleep 1
+xdotool windowfocus --sync "$window"
+xdotool key --clearmodifiers alt+p
+sleep "$play_seconds"
+
+mkdir -p "$(dirname "$out")"
+import -window "$window" "$out"
+echo "wrote $out ($(identify -format '%wx%h' "$out"))"
