@@ -119,6 +119,7 @@ protected:
     QAction* mnu_Opts_Devs = nullptr;
     QAction* mnu_Help_Contents = nullptr;
     QAction* mnu_Help_About = nullptr;
+    QAction* mnu_Play_Pause = nullptr;
 
 private:
     // Layout (fMainLayout.cpp).

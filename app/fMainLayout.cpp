@@ -22,6 +22,17 @@ namespace {
 // The colour of the Play button and the window's link label (RGB 0xCE, 0xDC, 0x08).
 const QColor kPlayColour(0xCE, 0xDC, 0x08);
 
+// The drop-down lists of the oud's choices in the wood colours of the fingerboard: white text on
+// the list colour, the chosen row in the highlight colour, the closed box in the common colour.
+void colourList(QComboBox* list, QColor listColour, QColor highlight)
+{
+    const QColor common(0xF0, 0xDE, 0xC8);
+    list->setStyleSheet(QStringLiteral("QComboBox { background: %1; }"
+                                       "QComboBox QAbstractItemView { background: %2; color: white;"
+                                       " selection-background-color: %3; selection-color: black; }")
+                            .arg(common.name(), listColour.name(), highlight.name()));
+}
+
 QPushButton* toggleButton(const QString& text, QWidget* parent)
 {
     auto* b = new QPushButton(text, parent);
@@ -166,6 +177,12 @@ void fMain::buildControls()
     controls->addWidget(udKbDownShift, 2, 7);
     root->addLayout(controls);
 
+    const QColor brown(0x83, 0x3C, 0x11);
+    colourList(cmbMaqams, brown, QColor(0xDD, 0xBD, 0xA5));
+    colourList(cmbMaqamStarts, QColor(0x77, 0x51, 0x36), QColor(0xDE, 0xB8, 0x87));
+    colourList(cmbTuning, brown, QColor(0xDE, 0xB8, 0x87));
+    colourList(cmbOrient, brown, QColor(0xDE, 0xB8, 0x87));
+
     setCentralWidget(central);
 }
 
@@ -200,6 +217,12 @@ void fMain::buildMenus()
     mnu_Help_Contents = help->addAction(tr("&Contents"));
     mnu_Help_Contents->setShortcut(QKeySequence::HelpContents);
     mnu_Help_About = help->addAction(tr("&About Tarabix"));
+
+    // Space plays and pauses from anywhere in the window; it is no key of the note grid.
+    mnu_Play_Pause = new QAction(tr("Play / Pause"), this);
+    mnu_Play_Pause->setShortcut(QKeySequence(Qt::Key_Space));
+    mnu_Play_Pause->setShortcutContext(Qt::WindowShortcut);
+    addAction(mnu_Play_Pause);
 }
 
 }  // namespace tarabix

@@ -9,6 +9,7 @@
 #include "playback/mMidiMain.h"
 #include "playback/qt/QtPlayerWait.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
@@ -67,6 +68,15 @@ void fMain::connectTransport()
     connect(sldSpeedR, &QSlider::sliderReleased, this, [this] { sldSpeedR_Change(sldSpeedR->value(), true); });
     connect(sldVolume, &QSlider::valueChanged, this, [this](int value) { m_router.setVolume(value); });
     connect(udMidiOctShift, &QSpinBox::valueChanged, this, [this] { udMidiOctShift_Change(); });
+
+    connect(mnu_Play_Pause, &QAction::triggered, this, [this] {
+        if (m_playing)
+            cmdPause->setChecked(true);
+        else if (m_paused)
+            cmdPause->setChecked(false);
+        else
+            cmdPlay->setChecked(true);
+    });
 
     tmrAct = new QTimer(this);
     tmrAct->setInterval(1000);

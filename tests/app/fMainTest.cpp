@@ -1,148 +1,17 @@
 // The main window as a learner meets it: start-up with and without its pictures and sample,
 // opening good and broken pieces, playing by keyboard and mouse, the instrument's choices and a
 // short piece played through to the end. Sound goes to a recorder.
-#include "app/fMain.h"
+#include "MainWindowFixture.h"
 
-#include "midi/MidiFile.h"
 #include "midi/MzfContainer.h"
 #include "oud/view/UdPictureWidget.h"
-#include "playback/RecorderPort.h"
-#include "playback/mMidiMain.h"
 
-#include <QButtonGroup>
-#include <QComboBox>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QLabel>
-#include <QPushButton>
-#include <QSettings>
-#include <QSlider>
-#include <QSpinBox>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <vector>
 
-namespace tarabix {
-
-// The window's controls, reachable from the tests.
-class fMainProbe : public fMain {
-public:
-    using fMain::fMain;
-    using fMain::cmbMaqams;
-    using fMain::cmbMaqamStarts;
-    using fMain::cmbOrient;
-    using fMain::cmbTuning;
-    using fMain::cmdPlay;
-    using fMain::cmdSheet;
-    using fMain::lblFile;
-    using fMain::lblPieceLength;
-    using fMain::optNNames;
-    using fMain::sldPosition;
-    using fMain::udMidiOctShift;
-    using fMain::udTuneOctShift;
-};
-
+namespace tarabix::test {
 namespace {
-
-struct Shown {
-    QMessageBox::Icon icon;
-    QString text;
-};
-
-std::vector<uint32_t> noteMessages(const MidiRecording& recording)
-{
-    std::vector<uint32_t> notes;
-    for (uint32_t w : recording.words()) {
-        const uint32_t kind = w & 0xF0;
-        if (kind == 0x80 || kind == 0x90)
-            notes.push_back(w);
-    }
-    return notes;
-}
-
-class MainWindowTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        freshProgramFolder();
-        m_recording = std::make_shared<MidiRecording>();
-        setMidiOutBackend({[] { return std::vector<std::string>{}; },
-                           [this](int32_t) { return std::make_unique<RecorderPort>(m_recording); }});
-    }
-
-    void TearDown() override
-    {
-        m_window.reset();
-        resetMidiMainState();
-    }
-
-    // A program folder with the data the window starts with, and no sample.
-    void freshProgramFolder()
-    {
-        m_program = std::make_unique<QTemporaryDir>();
-        ASSERT_TRUE(m_program->isValid());
-        const QDir data(QStringLiteral(TARABIX_BIN_DIR));
-        for (const char* name : {"tunings.ini", "maqams.ini", "oud.png", "marks.png", "marks.txt", "notefont.png",
-                                 "notefont.txt"})
-            ASSERT_TRUE(QFile::copy(data.filePath(QString::fromLatin1(name)), folder(name)));
-    }
-
-    QString folder(const char* name) const { return m_program->filePath(QString::fromLatin1(name)); }
-
-    fMainProbe& start(bool expectLoaded = true)
-    {
-        fMainEnvironment env;
-        env.programFolder = m_program->path();
-        env.settingsStore = std::make_unique<QSettings>(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
-        env.showMessage = [this](QMessageBox::Icon icon, const QString& text) { m_shown.push_back({icon, text}); };
-        m_window = std::make_unique<fMainProbe>(std::move(env));
-        EXPECT_EQ(m_window->load(), expectLoaded);
-        if (expectLoaded) {
-            m_window->show();
-            EXPECT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
-        }
-        m_recording->clear();
-        return *m_window;
-    }
-
-    QString storedOption(const char* key) const
-    {
-        QSettings store(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
-        return store.value(QStringLiteral("options/") + QString::fromLatin1(key)).toString();
-    }
-
-    // A short piece: a text marker and two notes, the second a quarter tone up by its pitch wheel.
-    QString writePiece(const char* name, int32_t lengthMs = 120)
-    {
-        MidiFile piece;
-        piece.setNTracks(1);
-        MidiTrack* t = piece.tracks(0);
-        t->c_addTextE(0, "Q:Rast/0");
-        t->c_addNoteOnE(0, 0, 60, 100);
-        t->c_addNoteOffE(lengthMs / 2, 0, 60);
-        t->c_addPitchWheelE(0, 0, 50.0);  // a quarter tone up
-        t->c_addNoteOnE(0, 0, 64, 100);
-        t->c_addNoteOffE(lengthMs / 2, 0, 64);
-        t->c_addEndOfTrack(0);
-        piece.setEvtsAbsTicks();
-        piece.setEvtsAbsMSecs();
-        const QString path = m_pieces.filePath(QString::fromLatin1(name));
-        EXPECT_EQ(piece.toFile(QFile::encodeName(path).toStdString()), 0);
-        return path;
-    }
-
-    std::unique_ptr<QTemporaryDir> m_program;
-    QTemporaryDir m_store;
-    QTemporaryDir m_pieces;
-    std::shared_ptr<MidiRecording> m_recording;
-    std::vector<Shown> m_shown;
-    std::unique_ptr<fMainProbe> m_window;
-};
 
 TEST_F(MainWindowTest, MissingPicturesStopStartUpWithTheFirstMessageOnly)
 {
@@ -359,5 +228,53 @@ TEST_F(MainWindowTest, APiecePlaysThroughItsMarkerAndQuarterToneToTheEnd)
     EXPECT_LT(bend, secondNote);  // the quarter tone reaches the device before its note
 }
 
+TEST_F(MainWindowTest, TransportLabelsAndTheStartDelay)
+{
+    fMainProbe& w = start();
+    const std::pair<int, const char*> speeds[] = {{-2, "0.50"}, {0, "1.00"}, {2, "2.00"}, {-1, "0.71"}};
+    for (const auto& [value, text] : speeds) {
+        w.sldSpeedR->setValue(value);
+        EXPECT_EQ(w.lblSpeed->text(), QString::fromLatin1(text));
+    }
+    w.sldSpeedR->setValue(0);
+
+    w.openFile(writePiece("delayed.mid", 40), false);
+    w.mnu_Opts_Delay_Opt[3]->trigger();
+    EXPECT_TRUE(w.mnu_Opts_Delay_Opt[3]->isChecked());
+    EXPECT_FALSE(w.mnu_Opts_Delay_Opt[0]->isChecked());
+    QElapsedTimer clock;
+    clock.start();
+    w.cmdPlay->click();
+    EXPECT_GE(clock.elapsed(), 3000);
+}
+
+TEST_F(MainWindowTest, VolumeAndThePiecesOctaveShapeWhatIsSent)
+{
+    fMainProbe& w = start();
+    w.openFile(writePiece("loud.mid", 40), false);
+    w.sldVolume->setValue(127);
+    w.cmdPlay->click();
+    std::vector<uint32_t> notes = noteMessages(*m_recording);
+    ASSERT_FALSE(notes.empty());
+    EXPECT_EQ(notes[0], 0x643C90u);  // velocity 100 kept at full volume
+
+    m_recording->clear();
+    w.sldVolume->setValue(0);
+    w.udMidiOctShift->setValue(1);
+    w.cmdPlay->click();
+    notes = noteMessages(*m_recording);
+    ASSERT_FALSE(notes.empty());
+    EXPECT_EQ(notes[0], 0x004890u);  // an octave up, velocity 0
+}
+
+TEST_F(MainWindowTest, HelpWithoutItsPageSaysSo)
+{
+    fMainProbe& w = start();
+    w.mnu_Help_Contents->trigger();
+    ASSERT_EQ(m_shown.size(), 1u);
+    EXPECT_EQ(m_shown[0].icon, QMessageBox::Warning);
+    EXPECT_EQ(m_shown[0].text, QStringLiteral("The help topic is not available."));
+}
+
 }  // namespace
-}  // namespace tarabix
+}  // namespace tarabix::test
