@@ -176,6 +176,77 @@ TEST_F(MidiMainTest, OwnOutputForTheDeviceDialogLeavesTheSharedOneAlone)
     EXPECT_EQ(m_recording->words(), (std::vector<uint32_t>{0xC0, 0x3C80}));
 }
 
+// A device that can be unplugged: while gone, what is sent to it is lost and it cannot be opened.
+class UnpluggablePort final : public MidiOutPort {
+public:
+    UnpluggablePort(std::shared_ptr<MidiRecording> recording, std::shared_ptr<bool> plugged)
+        : m_recording(std::move(recording)), m_plugged(std::move(plugged))
+    {
+    }
+    int32_t open() override
+    {
+        m_open = *m_plugged;
+        return m_open ? kMidiOutOk : kMidiOutNoDevice;
+    }
+    int32_t close() override
+    {
+        const bool was = m_open;
+        m_open = false;
+        return was ? kMidiOutOk : kMidiOutInvalidHandle;
+    }
+    void send(uint32_t message) override
+    {
+        if (m_open && *m_plugged)
+            m_recording->add({0, message});
+    }
+    std::string failureReason() const override { return *m_plugged ? "" : "the device is gone"; }
+
+private:
+    std::shared_ptr<MidiRecording> m_recording;
+    std::shared_ptr<bool> m_plugged;
+    bool m_open = false;
+};
+
+// The device goes away in the middle of a piece and comes back: playing on does no harm, the
+// learner can read why it is silent, and once it is back every channel gets the shift it had
+// reached meanwhile, so the next quarter tone sounds right.
+TEST_F(MidiMainTest, DeviceLostWhilePlayingComesBackWithTheShiftsReachedMeanwhile)
+{
+    auto plugged = std::make_shared<bool>(true);
+    auto recording = m_recording;
+    setMidiOutBackend({[] { return std::vector<std::string>{"USB cable"}; },
+                       [recording, plugged](int32_t) -> std::unique_ptr<MidiOutPort> {
+                           return std::make_unique<UnpluggablePort>(recording, plugged);
+                       }});
+    setMidiDeviceId(0);
+    openQuietly();
+    midiNoteOn(0, 60, 0, 100);
+    ASSERT_EQ(m_recording->words(), (std::vector<uint32_t>{0x643C90}));
+
+    *plugged = false;
+    m_recording->clear();
+    midiNoteOff(0, 60);
+    midiNoteOn(0, 64, -50, 100);
+    midiNoteOn(3, 67, 50, 90);
+    midiOutShortMsg(0x0407C0);
+    midiOutReset();
+    EXPECT_TRUE(m_recording->words().empty());
+    EXPECT_EQ(reopenMidiOut(), kMidiOutNoDevice);
+    EXPECT_EQ(midiOutFailureReason(), "the device is gone");
+    midiNoteOff(0, 64);
+
+    *plugged = true;
+    ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
+    EXPECT_TRUE(midiOutFailureReason().empty());
+    const std::vector<uint32_t> words = m_recording->words();
+    ASSERT_EQ(words.size(), 32u);
+    EXPECT_EQ(words[1], pitchWheelMessage(0, -50));
+    EXPECT_EQ(words[7], pitchWheelMessage(3, 50));
+    m_recording->clear();
+    midiNoteOn(0, 64, -50, 100);
+    EXPECT_EQ(m_recording->words(), (std::vector<uint32_t>{0x644090}));
+}
+
 TEST(BendToCents, RoundsAndQuantisesToQuarterTones)
 {
     struct Case {
