@@ -1,5 +1,7 @@
 #include "app/fMidiDevs.h"
 
+#include "app/DialogButtons.h"
+
 #include "app/AppIdentity.h"
 #include "playback/mMidiMain.h"
 
@@ -88,18 +90,10 @@ void fMidiDevs::buildControls()
     lblStatus->hide();
     layout->addWidget(lblStatus);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    cmdOK = new QPushButton(tr("OK"), this);
-    cmdOK->setDefault(true);
-    cmdCancel = new QPushButton(tr("Cancel"), this);
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
-    layout->addLayout(buttons);
+    addOkCancelRow(this, layout, cmdOK, cmdCancel);
 
     connect(cmdTest, &QPushButton::clicked, this, &fMidiDevs::cmdTest_Click);
     connect(cmdOK, &QPushButton::clicked, this, &fMidiDevs::cmdOK_Click);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 // Tells the learner why a device stays silent, e.g. that the built-in synthesizer found no audio

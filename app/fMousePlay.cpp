@@ -1,5 +1,7 @@
 #include "app/fMousePlay.h"
 
+#include "app/DialogButtons.h"
+
 #include "settings/UserSettings.h"
 
 #include <QCheckBox>
@@ -36,17 +38,9 @@ void fMousePlay::buildControls()
     for (QCheckBox* box : {chkAprxQrt, chkPlayMove, chkHiliteQrt, chkDblSound, chkSowKbGuides})
         layout->addWidget(box);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    cmdOK = new QPushButton(tr("OK"), this);
-    cmdOK->setDefault(true);
-    cmdCancel = new QPushButton(tr("Cancel"), this);
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
-    layout->addLayout(buttons);
+    addOkCancelRow(this, layout, cmdOK, cmdCancel);
 
     connect(cmdOK, &QPushButton::clicked, this, &fMousePlay::cmdOK_Click);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 // A mark can only sit at a quarter-tone place, and a sliding mouse re-strikes notes too fast to

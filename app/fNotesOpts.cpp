@@ -1,5 +1,7 @@
 #include "app/fNotesOpts.h"
 
+#include "app/DialogButtons.h"
+
 #include "settings/UserSettings.h"
 
 #include <QButtonGroup>
@@ -106,17 +108,9 @@ void fNotesOpts::buildControls()
                                 {"Note name highlighted", "Colored Circle", "No effect"});
     layout->addWidget(maqam);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    cmdOK = new QPushButton(tr("OK"), this);
-    cmdOK->setDefault(true);
-    cmdCancel = new QPushButton(tr("Cancel"), this);
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
-    layout->addLayout(buttons);
+    addOkCancelRow(this, layout, cmdOK, cmdCancel);
 
     connect(cmdOK, &QPushButton::clicked, this, &fNotesOpts::cmdOK_Click);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 void fNotesOpts::cmdOK_Click()

@@ -1,4 +1,5 @@
-// The window and dialog tests show widgets and click them: one QApplication for the run.
+// Widget and picture tests show widgets, click them and paint on QImages: one QApplication for
+// the whole run of a test executable.
 #include <QApplication>
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ public:
         if (QApplication::instance())
             return;
         static int argc = 1;
-        static char name[] = "tarabix_app_tests";
+        static char name[] = "tarabix_tests";
         static char* argv[] = {name, nullptr};
         m_app = new QApplication(argc, argv);
     }
