@@ -2,9 +2,11 @@
 // file driver stands in for the audio device (it renders in real time into /dev/null), so open()
 // does the same work as at the window's start-up.
 //   SynthOpen        what the window's start-up waits for: the synth and the audio driver
-//   SoundFontReady   open() until the SoundFont is loaded and a note would sound
-// The SoundFont is the one the program finds (findSoundFont); the file stays in the page cache
-// between iterations, as it does for a learner who has started the program before.
+//   SoundFontReady   open() until the SoundFont is loaded and a note would sound, the file in the
+//                    page cache (a learner who has started the program before)
+//   SoundFontReadyCold  the same after the SoundFont file is dropped from the page cache (the
+//                    first start after booting)
+// The SoundFont is the one the program finds (findSoundFont).
 #include "playback/FluidSynthPort.h"
 #include "playback/SoundFontLocator.h"
 
@@ -12,6 +14,9 @@
 
 #include <chrono>
 #include <string>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -52,11 +57,23 @@ void SynthOpen(benchmark::State& state)
 }
 BENCHMARK(SynthOpen)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
-void SoundFontReady(benchmark::State& state)
+// Asks the kernel to forget the file's cached pages, so the next read comes from the disk.
+void dropFromPageCache(const std::string& path)
+{
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    if (fd < 0)
+        return;
+    ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
+    ::close(fd);
+}
+
+void readyAfterOpen(benchmark::State& state, bool cold)
 {
     if (!haveSoundFont(state))
         return;
     for (auto _ : state) {
+        if (cold)
+            dropFromPageCache(findSoundFont());
         FluidSynthPort port(fileDriverOptions());
         const auto start = Clock::now();
         const bool ready = port.open() == kMidiOutOk && port.waitUntilReady(10000);
@@ -67,7 +84,18 @@ void SoundFontReady(benchmark::State& state)
         }
     }
 }
+
+void SoundFontReady(benchmark::State& state)
+{
+    readyAfterOpen(state, false);
+}
 BENCHMARK(SoundFontReady)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
+
+void SoundFontReadyCold(benchmark::State& state)
+{
+    readyAfterOpen(state, true);
+}
+BENCHMARK(SoundFontReadyCold)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace
 

@@ -1,16 +1,19 @@
 #!/usr/bin/env bash
 # Start-up speed: launch to the window shown with the start-up piece loaded, under a virtual
 # display, and how soon the built-in synthesizer can sound.
-#   bench/startup.sh [BUILD_DIR] [RUNS]      (defaults: build 15)
+#   bench/startup.sh [BUILD_DIR] [RUNS] [cold]      (defaults: build 15)
 # Each run starts bin/tarabix --startup-report from a scratch working directory with default
 # settings (a fresh XDG_CONFIG_HOME); the program prints the milliseconds since its process started
 # (the kernel's start time, 10 ms steps) and since main(), then quits. One warm-up run first, so
 # every run finds the libraries and data in the page cache, as a learner's second start does.
+# With "cold", every run first drops the program, its libraries, Qt's plugins, the data and the
+# SoundFont from the page cache (those files only), as at the first start after booting.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-build}
 runs=${2:-15}
+cold=${3:-}
 [[ $build = /* ]] || build=$here/../$build
 bin=$build/bin/tarabix
 [[ -x $bin ]] || { echo "no $bin: build the tarabix target first" >&2; exit 1; }
@@ -34,8 +37,28 @@ export XDG_CONFIG_HOME=$scratch/config XDG_RUNTIME_DIR=$scratch/run
 mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
 cd "$scratch"
 
+cached_files() {
+    echo "$bin"
+    ldd "$bin" | awk '/=>/ {print $3}'
+    find /usr/lib/*/qt6/plugins -name '*.so' 2>/dev/null
+    find "$build/bin" -type f ! -name 'tarabix*'
+    ls /usr/share/sounds/sf2/*.sf2 2>/dev/null
+}
+drop_from_page_cache() {
+    cached_files | python3 -c '
+import os, sys
+for path in sys.stdin.read().split():
+    try:
+        fd = os.open(path, os.O_RDONLY)
+        os.posix_fadvise(fd, 0, 0, os.POSIX_FADV_DONTNEED)
+        os.close(fd)
+    except OSError:
+        pass'
+}
+
 "$bin" --startup-report >/dev/null
 for _ in $(seq "$runs"); do
+    [[ $cold == cold ]] && drop_from_page_cache
     "$bin" --startup-report
 done >"$scratch/runs.txt"
 
@@ -46,11 +69,11 @@ summary() {  # field name -> "median (min to max)"
         awk '{v[NR] = $1} END {m = NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2;
                                printf "%.0f ms (min %.0f, max %.0f, %d runs)", m, v[1], v[NR], NR}'
 }
-echo "machine: $(nproc) cores, load average $(cut -d' ' -f1-3 /proc/loadavg)"
+echo "machine: $(nproc) cores, load average $(cut -d' ' -f1-3 /proc/loadavg)${cold:+, cold page cache}"
 echo "window with the start-up piece, from process start: $(summary startup_ms)"
 echo "window with the start-up piece, from main():        $(summary main_to_window_ms)"
 
-if command -v hyperfine >/dev/null; then
+if [[ $cold != cold ]] && command -v hyperfine >/dev/null; then
     echo "whole run, launch to exit (hyperfine):"
     hyperfine --style basic --warmup 2 --runs "$runs" "$bin --startup-report" 2>/dev/null |
         sed -n 's/^ *Time (mean ± σ): *\(.*\)/  mean \1/p; s/^ *Range (min … max): *\(.*\)/  range \1/p'
