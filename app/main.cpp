@@ -10,20 +10,25 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#if defined(__linux__)
 #include <time.h>
 #include <unistd.h>
+#endif
 
 namespace {
 
 // Start-up measurement (--startup-report): milliseconds from the process's start to the first
 // paint of the window with its start-up piece loaded, printed once, then the program quits.
-// The kernel keeps the process's start in clock ticks since boot (10 ms on Linux); the time since
-// main() adds a precise figure for the part the program itself controls.
+// Linux keeps the process's start in clock ticks since boot (10 ms); the time since main() adds a
+// precise figure for the part the program itself controls. Elsewhere only the latter is known (-1).
 double msSinceProcessStart()
 {
+#if !defined(__linux__)
+    return -1.0;
+#else
     std::ifstream in("/proc/self/stat");
     std::string line;
-    if (!std::getline(in, line))
+    if (!std::getline(in, line) || line.rfind(')') == std::string::npos)
         return -1.0;
     // The command name in parentheses may hold spaces; the fields after it are plain numbers and
     // the start time is the 20th of them.
@@ -36,6 +41,7 @@ double msSinceProcessStart()
         return -1.0;
     const double startMs = std::stod(field) * 1000.0 / static_cast<double>(sysconf(_SC_CLK_TCK));
     return static_cast<double>(now.tv_sec) * 1000.0 + static_cast<double>(now.tv_nsec) / 1e6 - startMs;
+#endif
 }
 
 class StartupReport : public QObject {
