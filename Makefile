@@ -8,7 +8,7 @@ FUZZ_DIR  ?= build-fuzz
 FUZZ_SECONDS ?= 15
 CMAKE_GEN ?= -G Ninja
 
-.PHONY: all deps configure build run test test-asan fuzz-smoke bench assets samples clean
+.PHONY: all deps configure build run test test-asan fuzz-smoke bench assets samples install check-install screenshot startup clean
 
 all: build
 
@@ -63,6 +63,20 @@ assets: deps build
 # The sample pieces in data/samples/ (installs LilyPond for the sheets when it is missing).
 samples: deps
 	tools/samples/gen-samples
+
+PREFIX ?= /usr/local
+install: deps build
+	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
+
+# Installs into a scratch prefix and checks the tree, the file type and a start from elsewhere.
+check-install: deps build
+	packaging/check-install.sh $(BUILD_DIR)
+
+screenshot: deps build
+	tools/screenshot.sh $(BUILD_DIR)
+
+startup: deps build
+	bench/startup.sh $(BUILD_DIR)
 
 clean:
 	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)

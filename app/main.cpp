@@ -1,8 +1,10 @@
+#include "app/DataFolder.h"
 #include "app/fMain.h"
 #include "playback/SoundFontLocator.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 #include <QElapsedTimer>
 #include <QTimer>
 
@@ -85,6 +87,8 @@ int main(int argc, char* argv[])
     QApplication::setOrganizationName(QStringLiteral("Tarabix"));
     QApplication::setApplicationName(QStringLiteral("Tarabix"));
     QApplication::setApplicationVersion(QStringLiteral("1.4"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("tarabix"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("tarabix")));
 
     QCommandLineParser args;
     args.setApplicationDescription(QStringLiteral("Learn and practise the oud."));
@@ -104,7 +108,7 @@ int main(int argc, char* argv[])
         tarabix::setSoundFontOverride(args.value(soundFont).toStdString());
 
     tarabix::fMainEnvironment environment;
-    environment.programFolder = QCoreApplication::applicationDirPath();
+    environment.programFolder = tarabix::dataFolder(QCoreApplication::applicationDirPath());
     if (!args.positionalArguments().isEmpty())
         environment.startFile = args.positionalArguments().first();
     tarabix::fMain window(std::move(environment));
