@@ -44,10 +44,10 @@ public:
         const auto left =
             std::chrono::duration_cast<std::chrono::nanoseconds>(deadline - steady_clock::now()).count();
         int64_t ns = static_cast<int64_t>(now.tv_nsec) + (left > 0 ? left : 1);
-        itimerspec spec{};
-        spec.it_value.tv_sec = now.tv_sec + static_cast<time_t>(ns / 1000000000);
-        spec.it_value.tv_nsec = static_cast<long>(ns % 1000000000);
-        return timerfd_settime(m_fd, TFD_TIMER_ABSTIME, &spec, nullptr) == 0;
+        itimerspec due{};
+        due.it_value.tv_sec = now.tv_sec + static_cast<time_t>(ns / 1000000000);
+        due.it_value.tv_nsec = static_cast<long>(ns % 1000000000);
+        return timerfd_settime(m_fd, TFD_TIMER_ABSTIME, &due, nullptr) == 0;
     }
 
     // Reading takes the expiry off the descriptor; a readable fd would wake the loop again and again.
