@@ -178,6 +178,31 @@ TEST_F(MainWindowTest, AHeldKeySoundsOnceAndTheArrowsStopAtTheEdges)
     EXPECT_EQ(w.keyboardDownShift(), 2);
 }
 
+TEST_F(MainWindowTest, DoublingStrikesTwiceExceptOnTheSingleLowestString)
+{
+    {
+        QSettings store(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
+        store.setValue(QStringLiteral("options/MKB-Doubling"), QStringLiteral("True"));
+    }
+    fMainProbe& w = start();
+    QWidget* board = w.fingerboard();
+    QTest::keyPress(board, Qt::Key_Q);  // row 1 at down shift 1: a doubled course
+    std::vector<uint32_t> notes = noteMessages(*m_recording);
+    ASSERT_EQ(notes.size(), 3u);
+    EXPECT_EQ(notes[0] & 0xF0, 0x90u);
+    EXPECT_EQ(notes[1] & 0xF0, 0x80u);
+    EXPECT_EQ(notes[2], notes[0]);
+    QTest::keyRelease(board, Qt::Key_Q);
+
+    QTest::keyClick(board, Qt::Key_Up);  // row 0 now lies on string 0
+    m_recording->clear();
+    QTest::keyPress(board, Qt::Key_1);
+    notes = noteMessages(*m_recording);
+    ASSERT_EQ(notes.size(), 1u);
+    EXPECT_EQ((notes[0] >> 8) & 0x7F, static_cast<uint32_t>(w.oud().curStringPitch()[0]));
+    QTest::keyRelease(board, Qt::Key_1);
+}
+
 TEST_F(MainWindowTest, AClickOnTheNutPlaysTheOpenStringAndAClickBesideTheStringsNothing)
 {
     fMainProbe& w = start();
