@@ -51,14 +51,10 @@ if command -v xdg-mime >/dev/null && command -v update-mime-database >/dev/null;
         test "$(xdg-mime query default application/x-tarabix-mzf)" = tarabix.desktop
 fi
 
-display=:$((90 + RANDOM % 400))
-while [[ -e /tmp/.X11-unix/X${display#:} ]]; do display=:$((90 + RANDOM % 400)); done
-Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >"$scratch/xvfb.log" 2>&1 &
-xvfb_pid=$!
-for _ in $(seq 50); do [[ -e /tmp/.X11-unix/X${display#:} ]] && break; sleep 0.1; done
-mkdir -p "$scratch/elsewhere" "$scratch/run" && chmod 700 "$scratch/run"
-report=$(cd "$scratch/elsewhere" && DISPLAY=$display QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$scratch/run \
-         XDG_CONFIG_HOME=$scratch/config timeout 30 "$prefix/bin/tarabix" --startup-report 2>/dev/null || true)
+source "$here/scripts/virtual-display.sh"
+start_virtual_display "$scratch"
+mkdir -p "$scratch/elsewhere"
+report=$(cd "$scratch/elsewhere" && timeout 30 "$prefix/bin/tarabix" --startup-report 2>/dev/null || true)
 echo "     $report"
 check "installed program opens its start-up piece" grep -q "piece=$data/samples/agam/zoroony.mzf" <<<"$report"
 

@@ -35,16 +35,9 @@ cleanup() {
 }
 trap cleanup EXIT
 
-display=:$((90 + RANDOM % 400))
-while [[ -e /tmp/.X11-unix/X${display#:} ]]; do display=:$((90 + RANDOM % 400)); done
-Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >"$scratch/xvfb.log" 2>&1 &
-xvfb_pid=$!
-for _ in $(seq 50); do [[ -e /tmp/.X11-unix/X${display#:} ]] && break; sleep 0.1; done
-
+source "$here/scripts/virtual-display.sh"
 # Default settings, so the picture shows what a newcomer sees.
-export DISPLAY=$display QT_QPA_PLATFORM=xcb
-export XDG_CONFIG_HOME=$scratch/config XDG_RUNTIME_DIR=$scratch/run
-mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
+start_virtual_display "$scratch"
 
 "$bin" "$piece" >"$scratch/tarabix.log" 2>&1 &
 app_pid=$!
