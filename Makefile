@@ -8,7 +8,7 @@ FUZZ_DIR  ?= build-fuzz
 FUZZ_SECONDS ?= 15
 CMAKE_GEN ?= -G Ninja
 
-.PHONY: all deps configure build run test test-asan fuzz-smoke bench assets samples install check-install screenshot startup clean
+.PHONY: all deps configure build run test test-asan fuzz-smoke bench assets samples install check-install screenshot startup soak fuzz-long clean
 
 all: build
 
@@ -63,6 +63,15 @@ assets: deps build
 # The sample pieces in data/samples/ (installs LilyPond for the sheets when it is missing).
 samples: deps
 	tools/samples/gen-samples
+
+# Long checks, not part of make test: render and dump hundreds of random pieces under ASan, and
+# ten minutes of fuzzing per target.
+SOAK_COUNT ?= 400
+soak: deps
+	ASAN_DIR=$(ASAN_DIR) scripts/soak $(SOAK_COUNT)
+
+fuzz-long: fuzz-smoke
+	FUZZ_DIR=$(FUZZ_DIR) tests/fuzz/run-long 600
 
 PREFIX ?= /usr/local
 install: deps build
