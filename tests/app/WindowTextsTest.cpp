@@ -13,13 +13,9 @@ TEST(WindowTexts, TimesLabelsAndRanges)
     EXPECT_EQ(pieceTimeText(3'500), QStringLiteral("000:04"));
     EXPECT_EQ(pieceTimeText(6'000'000), QStringLiteral("100:00"));
 
-    EXPECT_EQ(fileLabelText(QStringLiteral("C:\\music\\a-rather-long-file-name.mzf")),
-              QStringLiteral("[ a-rather-long-f... ]"));
+    // The window test opens a long name; here the edge: 16 characters stay whole, and '\' cuts too.
     EXPECT_EQ(fileLabelText(QStringLiteral("/home/l/sixteen-chars.mz")), QStringLiteral("[ sixteen-chars.mz ]"));
-    EXPECT_EQ(fileLabelText(QStringLiteral("plain.mid")), QStringLiteral("[ plain.mid ]"));
-
-    EXPECT_EQ(positionRangeSeconds(2'500), 2);
-    EXPECT_EQ(positionRangeSeconds(3'500), 4);
+    EXPECT_EQ(fileLabelText(QStringLiteral("C:\\music\\plain.mid")), QStringLiteral("[ plain.mid ]"));
 }
 
 }  // namespace
