@@ -1,7 +1,18 @@
 #pragma once
 
+#include "midi/MidiError.h"
+#include "midi/MidiFile.h"
+#include "midi/StringStreamIn.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <string>
 
 namespace tarabix::test {
@@ -29,10 +40,52 @@ inline std::string trackChunk(const std::string& body)
 inline std::string header(int format, int nTracks, int division)
 {
     return "MThd" + bigEndian32(6) +
-           bytes({format >> 8 & 0xFF, format & 0xFF, nTracks >> 8 & 0xFF, nTracks & 0xFF,
-                  division >> 8 & 0xFF, division & 0xFF});
+           bytes({format >> 8 & 0xFF, format & 0xFF, nTracks >> 8 & 0xFF, nTracks & 0xFF, division >> 8 & 0xFF,
+                  division & 0xFF});
 }
 
 inline const std::string kEndOfTrack = bytes({0x00, 0xFF, 0x2F, 0x00});
+
+inline int32_t readBytes(MidiFile& file, const std::string& content)
+{
+    StringStreamIn stream;
+    stream.setFromString(content);
+    return file.readMidi(stream);
+}
+
+// Runs f, which must raise MidiError `number`; the error is returned for further checks.
+template <class F>
+MidiError expectMidiError(F f, int32_t number)
+{
+    try {
+        f();
+    } catch (const MidiError& e) {
+        EXPECT_EQ(e.number(), number);
+        return e;
+    }
+    ADD_FAILURE() << "no error raised";
+    return MidiError(0, "", "");
+}
+
+inline std::string readAll(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// A fresh folder of this test and process (ctest runs tests side by side), removed at the end.
+struct TempDir {
+    std::filesystem::path path = std::filesystem::temp_directory_path() /
+                                 ("tarabix-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) +
+                                  "-" + std::to_string(::getpid()));
+    TempDir() { std::filesystem::create_directories(path); }
+    ~TempDir() { std::filesystem::remove_all(path); }
+    std::string operator/(const std::string& name) const { return (path / name).string(); }
+    std::string write(const std::string& name, const std::string& content) const
+    {
+        std::ofstream(path / name, std::ios::binary) << content;
+        return *this / name;
+    }
+};
 
 }  // namespace tarabix::test

@@ -1,13 +1,5 @@
 #include "MidiBytes.h"
 
-#include "midi/MidiFile.h"
-#include "midi/StringStreamIn.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 namespace tarabix {
@@ -35,14 +27,10 @@ MidiFile smallPiece()
 
 TEST(MidiFileWrite, WritesExactBytesWithoutRunningStatusOrSysEx)
 {
-    const std::string expected =
-        header(0, 1, 96) + trackChunk(bytes({0x00, 0xFF, 0x03, 0x03, 'O', 'u', 'd',  //
-                                             0x00, 0xC0, 24,                         //
-                                             0x00, 0x90, 60, 100,                    //
-                                             0x56, 0x90, 62, 100,                    //
-                                             0x81, 0x48, 0x80, 60, 0,                //
-                                             0x00, 0xFF, 0x2F, 0x01, 0x00}));  // the built end keeps its data byte
-    EXPECT_EQ(smallPiece().makeMidiStr(), expected);
+    EXPECT_EQ(smallPiece().makeMidiStr(),
+              header(0, 1, 96) + trackChunk(bytes({0x00, 0xFF, 0x03, 0x03, 'O', 'u', 'd', 0x00, 0xC0, 24,  //
+                                                   0x00, 0x90, 60, 100, 0x56, 0x90, 62, 100, 0x81, 0x48, 0x80, 60, 0,
+                                                   0x00, 0xFF, 0x2F, 0x01, 0x00})));  // the built end keeps its data byte
 }
 
 TEST(MidiFileWrite, TrackWithoutCompleteEndGetsOne)
@@ -50,22 +38,18 @@ TEST(MidiFileWrite, TrackWithoutCompleteEndGetsOne)
     MidiFile file;
     file.setMidiHdrDivision(96);
     file.tracks(0)->c_addNoteOnE(5, 1, 60, 1);
-    EXPECT_EQ(file.makeMidiStr(), header(1, 1, 96) + trackChunk(bytes({0x05, 0x91, 60, 1, 0x00, 0xFF, 0x2F, 0x00})));
+    EXPECT_EQ(file.makeMidiStr(), header(1, 1, 96) + trackChunk(bytes({0x05, 0x91, 60, 1}) + test::kEndOfTrack));
 
     // A track read from a file keeps its end as the single byte 2F, so it is closed a second time.
-    StringStreamIn stream;
-    stream.setFromString(header(1, 1, 96) + trackChunk(bytes({0x00, 0xFF, 0x2F, 0x00})));
-    ASSERT_EQ(file.readMidi(stream), 0);
-    EXPECT_EQ(file.makeMidiStr(), header(1, 1, 96) + trackChunk(bytes({0x00, 0xFF, 0x2F, 0x00, 0x00, 0xFF, 0x2F, 0x00})));
+    ASSERT_EQ(test::readBytes(file, header(1, 1, 96) + trackChunk(test::kEndOfTrack)), 0);
+    EXPECT_EQ(file.makeMidiStr(), header(1, 1, 96) + trackChunk(test::kEndOfTrack + test::kEndOfTrack));
 }
 
 TEST(MidiFileWrite, WriteThenReadBack)
 {
     const MidiFile written = smallPiece();
     MidiFile read;
-    StringStreamIn stream;
-    stream.setFromString(written.makeMidiStr());
-    ASSERT_EQ(read.readMidi(stream), 0);
+    ASSERT_EQ(test::readBytes(read, written.makeMidiStr()), 0);
     EXPECT_EQ(read.midiFileFormat(), 0);
     EXPECT_EQ(read.midiHdrDivision(), 96);
     const MidiTrack& a = *written.tracks(0);
@@ -76,35 +60,26 @@ TEST(MidiFileWrite, WriteThenReadBack)
     const int32_t expectedMs[] = {0, 0, 0, 448, 1490, 1490};
     for (int32_t i = 0; i < b.trkNEvents(); ++i) {
         SCOPED_TRACE(i);
-        const MidiEvent& w = a.events()[static_cast<size_t>(i < 3 ? i : i + 1)];
-        const MidiEvent& r = b.events()[static_cast<size_t>(i)];
-        EXPECT_EQ(r.eType, w.eType);
-        EXPECT_EQ(r.absMS, expectedMs[i]);
+        const MidiEvent& w = a.trkEvents(i < 3 ? i : i + 1);
+        EXPECT_EQ(b.trkEvents(i).eType, w.eType);
+        EXPECT_EQ(b.trkEvents(i).absMS, expectedMs[i]);
         if (i < 5) {
-            EXPECT_EQ(r.eData, w.eData);
+            EXPECT_EQ(b.trkEvents(i).eData, w.eData);
         }
     }
-    EXPECT_EQ(b.events()[3].deltaTick, 86);  // the dropped message's 10 ticks are gone with it
+    EXPECT_EQ(b.trkEvents(3).deltaTick, 86);  // the dropped message's 10 ticks are gone with it
 }
 
 TEST(MidiFileWrite, ToFileReplacesAnExistingFileAndReportsFailure)
 {
-    const auto dir = std::filesystem::temp_directory_path() / "tarabix_midi_write";
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    const auto path = dir / "piece.mid";
-    std::ofstream(path, std::ios::binary) << std::string(5000, 'x');
-
+    const test::TempDir dir;
+    const std::string path = dir.write("piece.mid", std::string(5000, 'x'));
     const MidiFile file = smallPiece();
-    ASSERT_EQ(file.toFile(path.string()), 0);
-    std::ifstream in(path, std::ios::binary);
-    const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_EQ(content, file.makeMidiStr());
-
-    EXPECT_EQ(file.toFile((dir / "no-folder" / "x.mid").string()), 75);
-    EXPECT_EQ(file.toFile(dir.string()), 75);
-    EXPECT_TRUE(std::filesystem::is_directory(dir));
-    std::filesystem::remove_all(dir);
+    ASSERT_EQ(file.toFile(path), 0);
+    EXPECT_EQ(test::readAll(path), file.makeMidiStr());
+    EXPECT_EQ(file.toFile(dir / "no-folder/x.mid"), 75);
+    EXPECT_EQ(file.toFile(dir.path.string()), 75);
+    EXPECT_TRUE(std::filesystem::is_directory(dir.path));
 }
 
 TEST(MidiFileWrite, SetFromListOrdersEachTrackAndClosesIt)
@@ -112,28 +87,22 @@ TEST(MidiFileWrite, SetFromListOrdersEachTrackAndClosesIt)
     MidiFile file;
     file.setMidiHdrDivision(96);
     auto note = [](int32_t track, int32_t tick, int key) {
-        ListedEvent le;
-        le.track = track;
-        le.absTick = tick;
-        le.event.eType = MidiEvent::kChannelMessage;
-        le.event.eData = bytes({0x90, key, 64});
-        return le;
+        return ListedEvent{track, tick, MidiEvent{MidiEvent::kChannelMessage, 0, 0, 0, bytes({0x90, key, 64})}};
     };
     const std::vector<ListedEvent> list = {note(1, 192, 1), note(1, 96, 2), note(0, 0, 3), note(1, 96, 4)};
     ASSERT_EQ(file.setFromList(list), 0);
     ASSERT_EQ(file.numOfTracks(), 2);
     const MidiTrack& t1 = *file.tracks(1);
     ASSERT_EQ(t1.trkNEvents(), 4);
-    const int keys[] = {2, 4, 1};
-    const int deltas[] = {96, 0, 96};
-    for (size_t i = 0; i < 3; ++i) {
+    const std::pair<int, int> keysAndDeltas[] = {{2, 96}, {4, 0}, {1, 96}};
+    for (int32_t i = 0; i < 3; ++i) {
         SCOPED_TRACE(i);
-        EXPECT_EQ(static_cast<uint8_t>(t1.events()[i].eData[1]), keys[i]);
-        EXPECT_EQ(t1.events()[i].deltaTick, deltas[i]);
+        EXPECT_EQ(static_cast<uint8_t>(t1.trkEvents(i).eData[1]), keysAndDeltas[i].first);
+        EXPECT_EQ(t1.trkEvents(i).deltaTick, keysAndDeltas[i].second);
     }
-    EXPECT_EQ(t1.events()[3].eData, bytes({0x2F, 0x00}));
+    EXPECT_EQ(t1.trkEvents(3).eData, bytes({0x2F, 0x00}));
     EXPECT_EQ(file.allLastAbsMSec(), 1000);
-    EXPECT_TRUE(file.tracks(1)->trkChannels(0));
+    EXPECT_TRUE(t1.trkChannels(0));
 
     EXPECT_EQ(file.setFromList(std::vector<ListedEvent>{note(-1, 0, 1)}), 9);
     EXPECT_EQ(file.setFromList(std::vector<ListedEvent>{note(0, -5, 1)}), 5);
@@ -149,8 +118,7 @@ TEST(MidiFileWrite, Track2ExtrObjCarriesSkippedDeltas)
     const MidiFile file = smallPiece();
     MidiFile::track2extrObj(*file.tracks(0), sink);
     MidiFile::track2extrObj(*file.tracks(0), dest);
-    const std::vector<std::pair<int32_t, int32_t>> expected = {
-        {0, 0x18C0}, {0, 0x643C90}, {96, 0x643E90}, {200, 0x3C80}};
+    const std::vector<std::pair<int32_t, int32_t>> expected = {{0, 0x18C0}, {0, 0x643C90}, {96, 0x643E90}, {200, 0x3C80}};
     EXPECT_EQ(sink.got, expected);
     ASSERT_EQ(dest.trkNEvents(), 4);
     EXPECT_EQ(dest.events()[2].eData, bytes({0x90, 62, 100}));

@@ -1,12 +1,7 @@
+#include "MidiBytes.h"
+
 #include "midi/MzfContainer.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <initializer_list>
-#include <string>
 #include <vector>
 
 namespace tarabix {
@@ -29,35 +24,14 @@ std::string directory(int32_t count, std::initializer_list<std::pair<int32_t, in
     return out;
 }
 
-class MzfFile : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        dir_ = std::filesystem::temp_directory_path() /
-               ("tarabix-mzf-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::create_directories(dir_);
-    }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-
-    std::string write(const std::string& name, const std::string& content)
-    {
-        const std::string path = (dir_ / name).string();
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-
-    std::filesystem::path dir_;
-};
-
-struct ParseCase {
-    const char* what;
-    std::string content;
-    int32_t result;
-};
-
 TEST(MzfParse, ResultCodes)
 {
-    const std::vector<ParseCase> cases = {
+    struct Case {
+        const char* what;
+        std::string content;
+        int32_t result;
+    };
+    const Case cases[] = {
         {"count zero", directory(0, {}) + "xxxx", mzf::kBadCount},
         {"negative count", le32(-3) + std::string(40, 'x'), mzf::kBadCount},
         {"empty content", "", mzf::kMalformed},
@@ -68,22 +42,19 @@ TEST(MzfParse, ResultCodes)
         {"part longer than the content", directory(1, {{1001, 5}}) + "abcd", mzf::kTooShort},
         {"two parts beyond the content", directory(2, {{1001, 3}, {2001, 3}}) + "abcde", mzf::kTooShort},
         {"a part claiming 2 GB", directory(1, {{1001, 0x7FFFFFFF}}) + "abc", mzf::kTooShort},
-        {"lengths whose 32-bit sum wraps", directory(2, {{1001, 0x7FFFFFFF}, {2001, 0x7FFFFFFF}}) + "ab",
-         mzf::kTooShort},
-        {"a negative length hidden by the sum", directory(2, {{1001, -2}, {2001, 4}}) + "abcd",
-         mzf::kMalformed},
+        {"lengths whose 32-bit sum wraps", directory(2, {{1001, 0x7FFFFFFF}, {2001, 0x7FFFFFFF}}) + "ab", mzf::kTooShort},
+        {"a negative length hidden by the sum", directory(2, {{1001, -2}, {2001, 4}}) + "abcd", mzf::kMalformed},
         {"a count of 2^31 - 1", le32(0x7FFFFFFF) + std::string(64, 'x'), mzf::kNoBytesAfterDir},
         {"trailing bytes", directory(2, {{1001, 2}, {2001, 1}}) + "abc" + "trailing", 2},
     };
-    for (const ParseCase& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         std::vector<int32_t> ids{7};
         std::vector<std::string> parts{"stale"};
         const int32_t result = parseMultiPart(c.content, ids, parts);
         EXPECT_EQ(result, c.result);
-        const size_t expected = result > 0 ? static_cast<size_t>(result) : 0;
-        EXPECT_EQ(ids.size(), expected);
-        EXPECT_EQ(parts.size(), expected);
+        EXPECT_EQ(ids.size(), static_cast<size_t>(std::max(result, 0)));
+        EXPECT_EQ(parts.size(), ids.size());
     }
 }
 
@@ -98,9 +69,8 @@ TEST(MzfParse, CutsPartsInOrderWithoutGaps)
 
 TEST(MzfWrite, RoundTripsThroughTheParser)
 {
-    const std::string binary("\0\xFF\x80z", 4);
     const std::vector<std::vector<MzfPart>> sets = {
-        {{1001, "MThd..."}, {2001, binary}},
+        {{1001, "MThd..."}, {2001, std::string("\0\xFF\x80z", 4)}},
         {{1001, ""}},
         {{1001, ""}, {2001, ""}},
         {{-5, "a"}, {0, ""}, {123456789, std::string(1000, 'q')}},
@@ -115,12 +85,13 @@ TEST(MzfWrite, RoundTripsThroughTheParser)
             EXPECT_EQ(parts[i], set[i].bytes);
         }
     }
-    const std::vector<MzfPart> one{{1001, "ab"}};
-    EXPECT_EQ(makeMultiPart(one), directory(1, {{1001, 2}}) + "ab");
+    EXPECT_EQ(makeMultiPart(std::vector<MzfPart>{{1001, "ab"}}), directory(1, {{1001, 2}}) + "ab");
 }
 
-TEST_F(MzfFile, Extractors)
+TEST(MzfFile, Extractors)
 {
+    const test::TempDir dir;
+    const int32_t bad = mzf::kNotUsable;
     struct Case {
         const char* what;
         std::string content;
@@ -130,20 +101,18 @@ TEST_F(MzfFile, Extractors)
         int32_t sheetStatus;
         std::string sheet;
     };
-    const std::vector<Case> cases = {
-        {"empty MIDI part and one trailing byte", directory(1, {{1001, 0}}) + "z", 0, "", false, mzf::kNotUsable, ""},
-        {"nothing after the directory", directory(1, {{1001, 0}}), mzf::kNotUsable, "", false, mzf::kNotUsable, ""},
+    const Case cases[] = {
+        {"empty MIDI part and one trailing byte", directory(1, {{1001, 0}}) + "z", 0, "", false, bad, ""},
+        {"nothing after the directory", directory(1, {{1001, 0}}), bad, "", false, bad, ""},
         {"MIDI and sheet", directory(2, {{1001, 2}, {2001, 3}}) + "MMSSS", 0, "MM", true, 0, "SSS"},
-        {"second part not a sheet", directory(2, {{1001, 2}, {3000, 3}}) + "MMxxx", 0, "MM", false, mzf::kNotUsable, ""},
-        {"first part not MIDI, sheet still found", directory(2, {{7, 1}, {2001, 1}}) + "xS", mzf::kNotUsable, "", false,
-         0, "S"},
-        {"count zero", directory(0, {}) + "zzzz", mzf::kNotUsable, "", false, mzf::kNotUsable, ""},
-        {"parts beyond the file", directory(2, {{1001, 9}, {2001, 9}}) + "short", mzf::kNotUsable, "", false,
-         mzf::kNotUsable, ""},
+        {"second part not a sheet", directory(2, {{1001, 2}, {3000, 3}}) + "MMxxx", 0, "MM", false, bad, ""},
+        {"first part not MIDI, sheet still found", directory(2, {{7, 1}, {2001, 1}}) + "xS", bad, "", false, 0, "S"},
+        {"count zero", directory(0, {}) + "zzzz", bad, "", false, bad, ""},
+        {"parts beyond the file", directory(2, {{1001, 9}, {2001, 9}}) + "short", bad, "", false, bad, ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        const std::string path = write("piece.mzf", c.content);
+        const std::string path = dir.write("piece.mzf", c.content);
         std::string midi = "old";
         bool hasSheet = false;
         EXPECT_EQ(getMzfMidi(path, midi, hasSheet), c.midiStatus);
@@ -153,26 +122,22 @@ TEST_F(MzfFile, Extractors)
         EXPECT_EQ(getMzfSheet(path, sheet), c.sheetStatus);
         EXPECT_EQ(sheet, c.sheet);
     }
-}
-
-TEST_F(MzfFile, HasSheetKeepsTheCallersValueWithoutASheet)
-{
-    const std::string path = write("a.mzf", directory(1, {{1001, 1}}) + "M");
     std::string midi;
-    bool hasSheet = true;
-    EXPECT_EQ(getMzfMidi(path, midi, hasSheet), 0);
+    bool hasSheet = true;  // left as the caller set it when there is no sheet
+    EXPECT_EQ(getMzfMidi(dir.write("a.mzf", directory(1, {{1001, 1}}) + "M"), midi, hasSheet), 0);
     EXPECT_TRUE(hasSheet);
 }
 
-TEST_F(MzfFile, UnreadableFiles)
+TEST(MzfFile, UnreadableFiles)
 {
+    const test::TempDir dir;
     std::vector<int32_t> ids;
     std::vector<std::string> parts;
-    EXPECT_EQ(readMultiPartFile((dir_ / "missing.mzf").string(), ids, parts), mzf::kBadCount);
-    EXPECT_EQ(readMultiPartFile(dir_.string(), ids, parts), mzf::kBadCount);
+    EXPECT_EQ(readMultiPartFile(dir / "missing.mzf", ids, parts), mzf::kBadCount);
+    EXPECT_EQ(readMultiPartFile(dir.path.string(), ids, parts), mzf::kBadCount);
     std::string midi;
     bool hasSheet = false;
-    EXPECT_EQ(getMzfMidi((dir_ / "missing.mzf").string(), midi, hasSheet), mzf::kNotUsable);
+    EXPECT_EQ(getMzfMidi(dir / "missing.mzf", midi, hasSheet), mzf::kNotUsable);
 }
 
 TEST(MzfPath, LastThreeCharactersInAnyCase)
