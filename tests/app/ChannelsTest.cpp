@@ -9,12 +9,26 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
+#include <string>
+#include <tuple>
+
 namespace tarabix {
 namespace {
 
-ChannelTables emittedTables(const QSignalSpy& spy, int i)
+ChannelTables lastEmitted(const QSignalSpy& spy)
 {
-    return spy.at(i).at(0).value<ChannelTables>();
+    return spy.last().at(0).value<ChannelTables>();
+}
+
+// The tables as the dialog's boxes show them.
+ChannelTables boxesOf(const fChannels& dlg)
+{
+    ChannelTables t;
+    for (int ch = 0; ch < kMidiChannels; ++ch) {
+        t.enabled[ch] = dlg.chkHeard[ch]->isChecked();
+        t.shown[ch] = dlg.chkShown[ch]->isChecked();
+    }
+    return t;
 }
 
 ChannelTables sample()
@@ -25,93 +39,64 @@ ChannelTables sample()
     return t;
 }
 
-TEST(ChannelsTest, OpensWithTheTablesAndMarksTheUsedChannels)
+TEST(ChannelsTest, ShowsTheTablesAndTheUsedChannelsWithoutASignal)
 {
-    const uint16_t used = 0x8201;  // channels 1, 10 and 16
-    fChannels dlg(sample(), used);
-    for (int ch = 0; ch < kMidiChannels; ++ch) {
-        SCOPED_TRACE(ch);
-        EXPECT_EQ(dlg.chkHeard[ch]->isChecked(), ch != 3);
-        EXPECT_EQ(dlg.chkShown[ch]->isChecked(), ch != 9);
-        EXPECT_EQ(dlg.lblChannel[ch]->font().bold(), ch == 0 || ch == 9 || ch == 15);
-    }
+    fChannels dlg(sample(), 0x8201);  // channels 1, 10 and 16
+    EXPECT_FALSE(dlg.isModal());
+    EXPECT_EQ(boxesOf(dlg), sample());
+    for (int ch = 0; ch < kMidiChannels; ++ch)
+        EXPECT_EQ(dlg.lblChannel[ch]->font().bold(), ch == 0 || ch == 9 || ch == 15) << ch;
+
+    QSignalSpy changed(&dlg, &fChannels::channelsChanged);
+    dlg.setTables(allChannelsOn());
     dlg.setUsedChannels(0x0002);
+    EXPECT_EQ(changed.count(), 0);
+    EXPECT_EQ(boxesOf(dlg), allChannelsOn());
+    EXPECT_EQ(dlg.tables(), allChannelsOn());
     EXPECT_TRUE(dlg.lblChannel[1]->font().bold());
     EXPECT_FALSE(dlg.lblChannel[15]->font().bold());
 }
 
 TEST(ChannelsTest, EachBoxChangesItsOwnChannelAtOnce)
 {
-    struct Case {
-        const char* name;
-        bool heardColumn;
-        int ch;
-    };
-    const Case cases[] = {{"mute channel 1", true, 0}, {"hear channel 4 again", true, 3},
-                          {"hide channel 16", false, 15}, {"show channel 10 again", false, 9}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        fChannels dlg(sample(), 0);
-        dlg.show();
-        QSignalSpy changed(&dlg, &fChannels::channelsChanged);
-        test::click(c.heardColumn ? dlg.chkHeard[c.ch] : dlg.chkShown[c.ch]);
-
-        ChannelTables expected = sample();
-        auto& column = c.heardColumn ? expected.enabled : expected.shown;
-        column[c.ch] = !column[c.ch];
-        ASSERT_EQ(changed.count(), 1);
-        EXPECT_EQ(emittedTables(changed, 0), expected);
-        EXPECT_EQ(dlg.tables(), expected);
+    fChannels dlg(sample(), 0);
+    dlg.show();
+    QSignalSpy changed(&dlg, &fChannels::channelsChanged);
+    ChannelTables expected = sample();
+    for (int ch = 0; ch < kMidiChannels; ++ch) {
+        for (bool heard : {true, false}) {
+            SCOPED_TRACE(testing::Message() << (heard ? "heard " : "shown ") << ch);
+            test::click(heard ? dlg.chkHeard[ch] : dlg.chkShown[ch]);
+            auto& column = heard ? expected.enabled : expected.shown;
+            column[ch] = !column[ch];
+            EXPECT_EQ(lastEmitted(changed), expected);
+        }
     }
+    EXPECT_EQ(changed.count(), 2 * kMidiChannels);
+    EXPECT_EQ(dlg.tables(), expected);
 }
 
-TEST(ChannelsTest, AllOnAndAllOffSetOneColumnWithOneSignal)
+TEST(ChannelsTest, WholeColumnButtonsSetOneColumnWithOneSignal)
 {
     fChannels dlg(sample(), 0);
     dlg.show();
     QSignalSpy changed(&dlg, &fChannels::channelsChanged);
-
-    test::click(dlg.cmdHearNone);
-    ASSERT_EQ(changed.count(), 1);
     ChannelTables expected = sample();
-    expected.enabled.fill(false);
-    EXPECT_EQ(emittedTables(changed, 0), expected);
-    for (int ch = 0; ch < kMidiChannels; ++ch)
-        EXPECT_FALSE(dlg.chkHeard[ch]->isChecked()) << ch;
-
-    test::click(dlg.cmdHearNone);
-    EXPECT_EQ(changed.count(), 1) << "nothing changed, nothing to tell";
-
-    test::click(dlg.cmdShowAll);
-    ASSERT_EQ(changed.count(), 2);
-    expected.shown.fill(true);
-    EXPECT_EQ(emittedTables(changed, 1), expected);
-
-    test::click(dlg.cmdShowNone);
-    test::click(dlg.cmdHearAll);
-    ASSERT_EQ(changed.count(), 4);
-    expected.enabled.fill(true);
-    expected.shown.fill(false);
-    EXPECT_EQ(emittedTables(changed, 3), expected);
-    EXPECT_TRUE(dlg.chkHeard[7]->isChecked());
-    EXPECT_FALSE(dlg.chkShown[7]->isChecked());
-}
-
-TEST(ChannelsTest, TablesSetByTheWindowAreShownWithoutASignal)
-{
-    fChannels dlg(allChannelsOn(), 0);
-    dlg.show();
-    EXPECT_FALSE(dlg.isModal());
-    QSignalSpy changed(&dlg, &fChannels::channelsChanged);
-    dlg.setTables(sample());
-    EXPECT_EQ(changed.count(), 0);
-    EXPECT_FALSE(dlg.chkHeard[3]->isChecked());
-    EXPECT_FALSE(dlg.chkShown[9]->isChecked());
-
-    test::click(dlg.chkHeard[3]);
-    ASSERT_EQ(changed.count(), 1);
-    EXPECT_EQ(emittedTables(changed, 0).enabled, allChannelsOn().enabled);
-    EXPECT_FALSE(emittedTables(changed, 0).shown[9]);
+    const auto heard = &ChannelTables::enabled;
+    const auto shown = &ChannelTables::shown;
+    // Button, the column it sets, to what, and the signals sent so far: a button that changes
+    // nothing tells nothing.
+    const std::tuple<QPushButton*, decltype(heard), bool, int> steps[] = {
+        {dlg.cmdHearNone, heard, false, 1}, {dlg.cmdHearNone, heard, false, 1}, {dlg.cmdShowAll, shown, true, 2},
+        {dlg.cmdShowNone, shown, false, 3}, {dlg.cmdHearAll, heard, true, 4}};
+    for (const auto& [button, column, on, signalsSoFar] : steps) {
+        SCOPED_TRACE(button->text().toStdString() + " with signals so far " + std::to_string(signalsSoFar));
+        test::click(button);
+        (expected.*column).fill(on);
+        ASSERT_EQ(changed.count(), signalsSoFar);
+        EXPECT_EQ(lastEmitted(changed), expected);
+        EXPECT_EQ(boxesOf(dlg), expected);
+    }
 }
 
 }  // namespace

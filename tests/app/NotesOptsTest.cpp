@@ -5,184 +5,128 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QButtonGroup>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
 
-#include <map>
-#include <string>
+#include <array>
+#include <utility>
+#include <vector>
 
 namespace tarabix {
 namespace {
 
-using Stored = std::map<std::string, std::string>;
+using test::Stored;
+using Group = QButtonGroup* fNotesOpts::*;
+using Values = std::array<int32_t, 5>;  // names, then rest and played without, then with a maqam
+
+const Group kNames = &fNotesOpts::optNoteNamesType;
+
+Values values(const NotesDisplayOptions& o)
+{
+    return {o.noteNamesType, o.presRestNoMaqam, o.presPlayNoMaqam, o.presRestMaqam, o.presPlayMaqam};
+}
+
+NotesDisplayOptions start()
+{
+    return {.noteNamesType = 0, .presRestNoMaqam = 1, .presPlayNoMaqam = 2, .presRestMaqam = 0, .presPlayMaqam = 1};
+}
 
 TEST(NotesPresRotation, ButtonIndexAndValueAreARotation)
 {
-    struct Case {
-        int32_t value;
-        int index;
-    };
     // Value 0 is the last button ("No marks"/"No effect"), 1 the names, 2 the circles.
-    const Case cases[] = {{0, 2}, {1, 0}, {2, 1}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.value);
-        EXPECT_EQ(presToIndex(c.value), c.index);
-        EXPECT_EQ(indexToPres(c.index), c.value);
+    for (const auto& [value, index] : {std::pair{0, 2}, std::pair{1, 0}, std::pair{2, 1}}) {
+        SCOPED_TRACE(value);
+        EXPECT_EQ(presToIndex(value), index);
+        EXPECT_EQ(indexToPres(index), value);
     }
-    for (int outside : {-1, 3, 7, -100}) {
+    for (int outside : {-1, 3, -100}) {
         SCOPED_TRACE(outside);
         EXPECT_EQ(presToIndex(outside), -1);
         EXPECT_EQ(indexToPres(outside), -1);
     }
 }
 
-class NotesOptsTest : public ::testing::Test {
-protected:
-    static NotesDisplayOptions start()
-    {
-        NotesDisplayOptions o;
-        o.noteNamesType = 0;
-        o.presRestNoMaqam = 1;
-        o.presPlayNoMaqam = 2;
-        o.presRestMaqam = 0;
-        o.presPlayMaqam = 1;
-        return o;
-    }
-
-    static void click(QAbstractButton* button)
-    {
-        ASSERT_NE(button, nullptr);
-        test::click(button);
-    }
-
-    static QString checkedText(const QButtonGroup* group)
-    {
-        const QAbstractButton* button = group->checkedButton();
-        return button ? button->text() : QString();
-    }
-
-    test::TempSettings m_store;
-};
-
-TEST_F(NotesOptsTest, OpensWithTheButtonsOfTheCurrentValues)
+TEST(NotesOptsTest, OpensWithTheButtonsOfTheCurrentValues)
 {
-    fNotesOpts dlg(start(), m_store.settings());
-    EXPECT_EQ(checkedText(dlg.optNoteNamesType), "English names: (C, D, E, F, G, A, B)");
-    EXPECT_EQ(checkedText(dlg.optNoMaqamStatic), "Note names every 1/2 tone");
-    EXPECT_EQ(checkedText(dlg.optPlayNoMaq), "Colored Circle");
-    EXPECT_EQ(checkedText(dlg.optMaqamStatic), "No marks");
-    EXPECT_EQ(checkedText(dlg.optPlayMaq), "Note name highlighted");
+    test::TempSettings store;
+    fNotesOpts dlg(start(), store.settings());
+    const std::pair<Group, const char*> cases[] = {{kNames, "English names: (C, D, E, F, G, A, B)"},
+                                                   {&fNotesOpts::optNoMaqamStatic, "Note names every 1/2 tone"},
+                                                   {&fNotesOpts::optPlayNoMaq, "Colored Circle"},
+                                                   {&fNotesOpts::optMaqamStatic, "No marks"},
+                                                   {&fNotesOpts::optPlayMaq, "Note name highlighted"}};
+    for (const auto& [group, text] : cases) {
+        SCOPED_TRACE(text);
+        ASSERT_NE((dlg.*group)->checkedButton(), nullptr);
+        EXPECT_EQ((dlg.*group)->checkedButton()->text(), text);
+    }
 }
 
-TEST_F(NotesOptsTest, OkWithoutChangesStoresNothing)
-{
-    fNotesOpts dlg(start(), m_store.settings());
-    dlg.show();
-    QSignalSpy accepted(&dlg, &fNotesOpts::optionsAccepted);
-    click(dlg.cmdOK);
-    EXPECT_EQ(accepted.count(), 1);
-    EXPECT_EQ(dlg.result(), QDialog::Accepted);
-    EXPECT_FALSE(dlg.options().presChanged);
-    EXPECT_FALSE(dlg.options().namesChanged);
-    EXPECT_EQ(m_store.stored(), Stored{});
-}
-
-TEST_F(NotesOptsTest, OkStoresOnlyTheChangedValue)
+TEST(NotesOptsTest, OkStoresAndReturnsOnlyTheChangedValuesCancelNothing)
 {
     struct Case {
         const char* name;
-        QButtonGroup* fNotesOpts::*group;
-        int index;
+        std::vector<std::pair<Group, int>> clicks;
+        bool ok;
         Stored stored;
+        Values after;
         bool presChanged;
         bool namesChanged;
     };
     const Case cases[] = {
-        {"played note with maqam to circle", &fNotesOpts::optPlayMaq, 1, {{"NotesPres_Play_Maqam", "2"}}, true, false},
-        {"static with maqam to names", &fNotesOpts::optMaqamStatic, 0, {{"NotesPres_Rest_Maqam", "1"}}, true, false},
-        {"static without maqam to no marks", &fNotesOpts::optNoMaqamStatic, 2, {{"NotesPres_Rest_NoMaqam", "0"}},
-         true, false},
-        {"played note without maqam to no effect", &fNotesOpts::optPlayNoMaq, 2, {{"NotesPres_Play_NoMaqam", "0"}},
-         true, false},
-        {"solfege names", &fNotesOpts::optNoteNamesType, 1, {{"NoteNamesType", "1"}}, false, true},
-        {"the button already set", &fNotesOpts::optPlayNoMaq, 1, {}, false, false},
+        {"nothing clicked", {}, true, {}, {0, 1, 2, 0, 1}, false, false},
+        {"the button already set", {{&fNotesOpts::optPlayNoMaq, 1}}, true, {}, {0, 1, 2, 0, 1}, false, false},
+        {"played note with maqam to circle", {{&fNotesOpts::optPlayMaq, 1}}, true, {{"NotesPres_Play_Maqam", "2"}},
+         {0, 1, 2, 0, 2}, true, false},
+        {"static with maqam to names", {{&fNotesOpts::optMaqamStatic, 0}}, true, {{"NotesPres_Rest_Maqam", "1"}},
+         {0, 1, 2, 1, 1}, true, false},
+        {"static without maqam to no marks", {{&fNotesOpts::optNoMaqamStatic, 2}}, true,
+         {{"NotesPres_Rest_NoMaqam", "0"}}, {0, 0, 2, 0, 1}, true, false},
+        {"played note without maqam to no effect", {{&fNotesOpts::optPlayNoMaq, 2}}, true,
+         {{"NotesPres_Play_NoMaqam", "0"}}, {0, 1, 0, 0, 1}, true, false},
+        {"solfege names", {{kNames, 1}}, true, {{"NoteNamesType", "1"}}, {1, 1, 2, 0, 1}, false, true},
+        {"names and a view", {{kNames, 1}, {&fNotesOpts::optMaqamStatic, 1}}, true,
+         {{"NoteNamesType", "1"}, {"NotesPres_Rest_Maqam", "2"}}, {1, 1, 2, 2, 1}, true, true},
+        {"cancel", {{kNames, 1}, {&fNotesOpts::optPlayMaq, 2}}, false, {}, {0, 1, 2, 0, 1}, false, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         test::TempSettings store;
         fNotesOpts dlg(start(), store.settings());
         dlg.show();
-        click((dlg.*c.group)->button(c.index));
-        click(dlg.cmdOK);
+        QSignalSpy accepted(&dlg, &fNotesOpts::optionsAccepted);
+        for (const auto& [group, index] : c.clicks)
+            test::click((dlg.*group)->button(index));
+        test::click(c.ok ? dlg.cmdOK : dlg.cmdCancel);
+        EXPECT_EQ(dlg.result(), c.ok ? QDialog::Accepted : QDialog::Rejected);
         EXPECT_EQ(store.stored(), c.stored);
+        EXPECT_EQ(values(dlg.options()), c.after);
         EXPECT_EQ(dlg.options().presChanged, c.presChanged);
         EXPECT_EQ(dlg.options().namesChanged, c.namesChanged);
+        EXPECT_EQ(accepted.count(), c.ok ? 1 : 0);
+        for (const QList<QVariant>& signal : accepted)
+            EXPECT_EQ(values(signal.at(0).value<NotesDisplayOptions>()), c.after);
     }
 }
 
-TEST_F(NotesOptsTest, OkReturnsTheNewValuesAndKeepsAnEarlierChangeFlag)
-{
-    NotesDisplayOptions before = start();
-    before.presChanged = true;
-    fNotesOpts dlg(before, m_store.settings());
-    dlg.show();
-    QSignalSpy accepted(&dlg, &fNotesOpts::optionsAccepted);
-    click(dlg.optNoteNamesType->button(1));
-    click(dlg.optMaqamStatic->button(1));
-    click(dlg.cmdOK);
-    ASSERT_EQ(accepted.count(), 1);
-    const auto after = accepted.at(0).at(0).value<NotesDisplayOptions>();
-    EXPECT_EQ(after.noteNamesType, 1);
-    EXPECT_EQ(after.presRestMaqam, 2);
-    EXPECT_EQ(after.presPlayMaqam, 1);
-    EXPECT_EQ(after.presRestNoMaqam, 1);
-    EXPECT_EQ(after.presPlayNoMaqam, 2);
-    EXPECT_TRUE(after.presChanged);
-    EXPECT_EQ(m_store.stored(), (Stored{{"NoteNamesType", "1"}, {"NotesPres_Rest_Maqam", "2"}}));
-}
-
-TEST_F(NotesOptsTest, AValueOutOfRangeSetsNoButtonAndSurvivesOk)
+// The window clears the change flag only after redrawing, and a stored value no button stands for
+// stays as it is.
+TEST(NotesOptsTest, OkKeepsAnEarlierChangeFlagAndValuesOutOfRange)
 {
     NotesDisplayOptions before = start();
     before.presPlayMaqam = 7;
     before.noteNamesType = 4;
-    {
-        fNotesOpts dlg(before, m_store.settings());
-        dlg.show();
-        EXPECT_EQ(dlg.optPlayMaq->checkedButton(), nullptr);
-        EXPECT_EQ(dlg.optNoteNamesType->checkedButton(), nullptr);
-        click(dlg.cmdOK);
-        EXPECT_EQ(dlg.options().presPlayMaqam, 7);
-        EXPECT_EQ(dlg.options().noteNamesType, 4);
-        EXPECT_FALSE(dlg.options().presChanged);
-        EXPECT_EQ(m_store.stored(), Stored{});
-    }
-    fNotesOpts dlg(before, m_store.settings());
+    before.presChanged = true;
+    test::TempSettings store;
+    fNotesOpts dlg(before, store.settings());
     dlg.show();
-    click(dlg.optPlayMaq->button(2));
-    click(dlg.cmdOK);
-    EXPECT_EQ(dlg.options().presPlayMaqam, 0);
+    EXPECT_EQ(dlg.optPlayMaq->checkedButton(), nullptr);
+    EXPECT_EQ(dlg.optNoteNamesType->checkedButton(), nullptr);
+    test::click(dlg.cmdOK);
+    EXPECT_EQ(values(dlg.options()), values(before));
     EXPECT_TRUE(dlg.options().presChanged);
-    EXPECT_EQ(m_store.stored(), (Stored{{"NotesPres_Play_Maqam", "0"}}));
-}
-
-TEST_F(NotesOptsTest, CancelChangesAndStoresNothing)
-{
-    fNotesOpts dlg(start(), m_store.settings());
-    dlg.show();
-    QSignalSpy accepted(&dlg, &fNotesOpts::optionsAccepted);
-    click(dlg.optPlayMaq->button(2));
-    click(dlg.optNoteNamesType->button(1));
-    click(dlg.cmdCancel);
-    EXPECT_EQ(dlg.result(), QDialog::Rejected);
-    EXPECT_EQ(accepted.count(), 0);
-    EXPECT_EQ(dlg.options().presPlayMaqam, 1);
-    EXPECT_EQ(dlg.options().noteNamesType, 0);
-    EXPECT_FALSE(dlg.options().presChanged);
-    EXPECT_EQ(m_store.stored(), Stored{});
+    EXPECT_EQ(store.stored(), Stored{});
 }
 
 }  // namespace

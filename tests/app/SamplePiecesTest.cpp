@@ -4,31 +4,32 @@
 #include "midi/MidiFile.h"
 #include "midi/MzfContainer.h"
 #include "midi/StringStreamIn.h"
+#include "oud/model/mMaqams.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
+#include <map>
 #include <set>
 #include <string>
 
 namespace tarabix {
 namespace {
 
-const std::filesystem::path kSamples = std::filesystem::path(TARABIX_SOURCE_DIR) / "data" / "samples";
+const std::filesystem::path kData = std::filesystem::path(TARABIX_SOURCE_DIR) / "data";
 
-std::set<std::string> maqamNames()
+// The piece's MIDI, from inside an MZF or from a plain .mid file.
+int32_t readPiece(const std::string& path, MidiFile& file)
 {
-    std::set<std::string> names;
-    std::ifstream ini(std::filesystem::path(TARABIX_SOURCE_DIR) / "data" / "maqams.ini");
-    std::string line;
-    while (std::getline(ini, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        if (line.rfind("name=", 0) == 0)
-            names.insert(line.substr(5));
-    }
-    return names;
+    if (!isMzfPath(path))
+        return file.readMidiFile(path);
+    std::string midi;
+    bool hasSheet = false;
+    if (const int32_t status = getMzfMidi(path, midi, hasSheet); status != 0)
+        return status;
+    StringStreamIn stream;
+    stream.setFromString(midi);
+    return file.readMidi(stream);
 }
 
 // Every "Q:name/tonic" text of the piece, in all tracks.
@@ -38,76 +39,53 @@ std::vector<std::string> maqamMarkers(const MidiFile& file)
     for (int32_t t = 0; t < file.numOfTracks(); ++t)
         for (const MidiEvent& e : file.tracks(t)->events())
             if (e.isMeta(0x01) && e.eData.compare(1, 2, "Q:") == 0)
-                markers.push_back(e.eData.substr(3));
+                markers.push_back(e.eData.substr(1));
     return markers;
 }
 
 TEST(SamplePieces, EveryPieceOpensAndNamesAKnownMaqam)
 {
-    const std::set<std::string> known = maqamNames();
-    ASSERT_FALSE(known.empty());
+    mMaqams maqams;
+    ASSERT_EQ(maqams.loadMaqams((kData / "maqams.ini").string()), "");
     std::set<std::string> maqamsCovered;
-    int mzfCount = 0;
-    int midCount = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(kSamples)) {
+    std::map<std::string, int> filesByExtension;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(kData / "samples")) {
         if (!entry.is_regular_file())
             continue;
         const std::string path = entry.path().string();
         SCOPED_TRACE(path);
+        ++filesByExtension[entry.path().extension().string()];
         MidiFile file;
-        if (isMzfPath(path)) {
-            ++mzfCount;
-            std::string midi;
-            bool hasSheet = false;
-            ASSERT_EQ(getMzfMidi(path, midi, hasSheet), 0);
-            EXPECT_TRUE(hasSheet);
-            StringStreamIn stream;
-            stream.setFromString(midi);
-            ASSERT_EQ(file.readMidi(stream), 0);
-            std::string sheet;
-            ASSERT_EQ(getMzfSheet(path, sheet), 0);
-            const QImage picture = pictureFromBytes(sheet);
-            ASSERT_FALSE(picture.isNull());
-            EXPECT_GE(picture.width(), 600);  // engraved large enough to read on screen
-        } else {
-            ASSERT_EQ(entry.path().extension(), ".mid");
-            ++midCount;
-            ASSERT_EQ(file.readMidiFile(path), 0);
-        }
+        ASSERT_EQ(readPiece(path, file), 0);
         EXPECT_GE(file.allLastAbsMSec(), 45'000);
         EXPECT_LE(file.allLastAbsMSec(), 120'000);
 
         const std::vector<std::string> markers = maqamMarkers(file);
         ASSERT_FALSE(markers.empty());
-        for (const std::string& marker : markers) {
-            const size_t slash = marker.find('/');
-            ASSERT_NE(slash, std::string::npos) << marker;
-            EXPECT_TRUE(known.count(marker.substr(0, slash))) << marker;
-            const int tonic = std::stoi(marker.substr(slash + 1));
-            EXPECT_GE(tonic, 0);
-            EXPECT_LE(tonic, 11);
+        for (const std::string& marker : markers)
+            EXPECT_TRUE(maqams.parseMaqamMarker(marker)) << marker;
+        if (const auto first = maqams.parseMaqamMarker(markers.front()))
+            maqamsCovered.insert(maqams.maqamName(first->index));
+        if (isMzfPath(path)) {
+            std::string sheet;
+            ASSERT_EQ(getMzfSheet(path, sheet), 0);
+            EXPECT_GE(pictureFromBytes(sheet).width(), 600);  // engraved large enough to read on screen
         }
-        maqamsCovered.insert(markers.front().substr(0, markers.front().find('/')));
     }
-    EXPECT_GE(mzfCount, 10);
-    EXPECT_GE(midCount, 1);
+    EXPECT_GE(filesByExtension[".mzf"], 10);
+    EXPECT_GE(filesByExtension[".mid"], 1);
+    EXPECT_EQ(filesByExtension.size(), 2u) << "pieces are .mzf or .mid only";
     for (const char* maqam : {"Ajam", "Rast", "Bayati", "Saba", "Hijaz", "Nahawand", "Kurd", "Sikah", "Huzam", "Nakriz"})
         EXPECT_TRUE(maqamsCovered.count(maqam)) << maqam;
-    EXPECT_TRUE(std::filesystem::exists(kSamples / "agam" / "zoroony.mzf"));
+    EXPECT_TRUE(std::filesystem::exists(kData / "samples" / "agam" / "zoroony.mzf"));
 }
 
 // Quarter tones reach the synthesizer as pitch-wheel messages sent while the melody channel is
 // silent, so a sounding note never bends and the window can read each note's shift.
 TEST(SamplePieces, PitchWheelMovesOnlyBetweenNotes)
 {
-    const std::string path = (kSamples / "sikah" / "sikah-meditation.mzf").string();
-    std::string midi;
-    bool hasSheet = false;
-    ASSERT_EQ(getMzfMidi(path, midi, hasSheet), 0);
-    StringStreamIn stream;
-    stream.setFromString(midi);
     MidiFile file;
-    ASSERT_EQ(file.readMidi(stream), 0);
+    ASSERT_EQ(readPiece((kData / "samples" / "sikah" / "sikah-meditation.mzf").string(), file), 0);
     int wheels = 0;
     int sounding = 0;
     const MidiTrack merged = file.make1TrackMidi();

@@ -3,7 +3,6 @@
 #include "settings/UserSettings.h"
 
 #include <QSettings>
-#include <QString>
 #include <QTemporaryDir>
 
 #include <map>
@@ -12,29 +11,28 @@
 
 namespace tarabix::test {
 
+using Stored = std::map<std::string, std::string>;
+
 // The settings class over an INI file in a fresh temporary folder, and what that file holds.
 class TempSettings {
 public:
-    TempSettings() : m_settings(std::make_unique<QSettings>(file(), QSettings::IniFormat)) {}
-
     UserSettings& settings() { return m_settings; }
 
     // Every stored key of section "options" with its text, read back from the file.
-    std::map<std::string, std::string> stored() const
+    Stored stored() const
     {
-        QSettings store(file(), QSettings::IniFormat);
+        QSettings store(m_file, QSettings::IniFormat);
         store.beginGroup(QStringLiteral("options"));
-        std::map<std::string, std::string> out;
+        Stored out;
         for (const QString& key : store.childKeys())
             out[key.toStdString()] = store.value(key).toString().toStdString();
         return out;
     }
 
 private:
-    QString file() const { return m_dir.filePath(QStringLiteral("Tarabix.conf")); }
-
     QTemporaryDir m_dir;
-    UserSettings m_settings;
+    QString m_file = m_dir.filePath(QStringLiteral("Tarabix.conf"));
+    UserSettings m_settings{std::make_unique<QSettings>(m_file, QSettings::IniFormat)};
 };
 
 }  // namespace tarabix::test
