@@ -14,22 +14,19 @@
 #include <initializer_list>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace tarabix::test {
 
 // Byte-exact fixtures: files are built here byte by byte, never loaded from disk.
 inline std::string bytes(std::initializer_list<int> values)
 {
-    std::string out;
-    for (const int v : values)
-        out.push_back(static_cast<char>(v));
-    return out;
+    return std::string(values.begin(), values.end());
 }
 
 inline std::string bigEndian32(uint32_t v)
 {
-    return bytes({static_cast<int>(v >> 24 & 0xFF), static_cast<int>(v >> 16 & 0xFF),
-                  static_cast<int>(v >> 8 & 0xFF), static_cast<int>(v & 0xFF)});
+    return bytes({int(v >> 24), int(v >> 16 & 0xFF), int(v >> 8 & 0xFF), int(v & 0xFF)});
 }
 
 inline std::string trackChunk(const std::string& body)
@@ -45,6 +42,22 @@ inline std::string header(int format, int nTracks, int division)
 }
 
 inline const std::string kEndOfTrack = bytes({0x00, 0xFF, 0x2F, 0x00});
+
+inline std::vector<std::string> eDataOf(const MidiTrack& track)
+{
+    std::vector<std::string> out;
+    for (const MidiEvent& e : track.events())
+        out.push_back(e.eData);
+    return out;
+}
+
+inline std::vector<int32_t> deltasOf(const MidiTrack& track)
+{
+    std::vector<int32_t> out;
+    for (const MidiEvent& e : track.events())
+        out.push_back(e.deltaTick);
+    return out;
+}
 
 inline int32_t readBytes(MidiFile& file, const std::string& content)
 {
@@ -76,8 +89,8 @@ inline std::string readAll(const std::filesystem::path& path)
 // A fresh folder of this test and process (ctest runs tests side by side), removed at the end.
 struct TempDir {
     std::filesystem::path path = std::filesystem::temp_directory_path() /
-                                 ("tarabix-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) +
-                                  "-" + std::to_string(::getpid()));
+        ("tarabix-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
+         std::to_string(getpid()));
     TempDir() { std::filesystem::create_directories(path); }
     ~TempDir() { std::filesystem::remove_all(path); }
     std::string operator/(const std::string& name) const { return (path / name).string(); }

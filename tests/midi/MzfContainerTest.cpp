@@ -7,6 +7,8 @@
 namespace tarabix {
 namespace {
 
+using namespace test;
+
 std::string le32(int64_t v)
 {
     std::string out;
@@ -26,11 +28,7 @@ std::string directory(int32_t count, std::initializer_list<std::pair<int32_t, in
 
 TEST(MzfParse, ResultCodes)
 {
-    struct Case {
-        const char* what;
-        std::string content;
-        int32_t result;
-    };
+    struct Case { const char* what; std::string content; int32_t result; };
     const Case cases[] = {
         {"count zero", directory(0, {}) + "xxxx", mzf::kBadCount},
         {"negative count", le32(-3) + std::string(40, 'x'), mzf::kBadCount},
@@ -42,7 +40,7 @@ TEST(MzfParse, ResultCodes)
         {"part longer than the content", directory(1, {{1001, 5}}) + "abcd", mzf::kTooShort},
         {"two parts beyond the content", directory(2, {{1001, 3}, {2001, 3}}) + "abcde", mzf::kTooShort},
         {"a part claiming 2 GB", directory(1, {{1001, 0x7FFFFFFF}}) + "abc", mzf::kTooShort},
-        {"lengths whose 32-bit sum wraps", directory(2, {{1001, 0x7FFFFFFF}, {2001, 0x7FFFFFFF}}) + "ab", mzf::kTooShort},
+        {"32-bit sum wraps", directory(2, {{1001, 0x7FFFFFFF}, {2001, 0x7FFFFFFF}}) + "ab", mzf::kTooShort},
         {"a negative length hidden by the sum", directory(2, {{1001, -2}, {2001, 4}}) + "abcd", mzf::kMalformed},
         {"a count of 2^31 - 1", le32(0x7FFFFFFF) + std::string(64, 'x'), mzf::kNoBytesAfterDir},
         {"trailing bytes", directory(2, {{1001, 2}, {2001, 1}}) + "abc" + "trailing", 2},
@@ -90,17 +88,10 @@ TEST(MzfWrite, RoundTripsThroughTheParser)
 
 TEST(MzfFile, Extractors)
 {
-    const test::TempDir dir;
+    const TempDir dir;
     const int32_t bad = mzf::kNotUsable;
-    struct Case {
-        const char* what;
-        std::string content;
-        int32_t midiStatus;
-        std::string midi;
-        bool hasSheet;
-        int32_t sheetStatus;
-        std::string sheet;
-    };
+    struct Case { const char* what; std::string content; int32_t midiStatus; std::string midi; bool hasSheet;
+                  int32_t sheetStatus; std::string sheet; };
     const Case cases[] = {
         {"empty MIDI part and one trailing byte", directory(1, {{1001, 0}}) + "z", 0, "", false, bad, ""},
         {"nothing after the directory", directory(1, {{1001, 0}}), bad, "", false, bad, ""},
@@ -130,7 +121,7 @@ TEST(MzfFile, Extractors)
 
 TEST(MzfFile, UnreadableFiles)
 {
-    const test::TempDir dir;
+    const TempDir dir;
     std::vector<int32_t> ids;
     std::vector<std::string> parts;
     EXPECT_EQ(readMultiPartFile(dir / "missing.mzf", ids, parts), mzf::kBadCount);
