@@ -9,6 +9,7 @@
 
 #include <array>
 #include <memory>
+#include <tuple>
 
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -35,62 +36,30 @@ protected:
 TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
 {
     const UserSettings settings = open("");
-    const StartupOptions options = settings.loadStartup();
-    EXPECT_TRUE(options.approxQrt);
-    EXPECT_FALSE(options.playMouseMove);
-    EXPECT_TRUE(options.mkbPlayHilite);
-    EXPECT_FALSE(options.mkbDoubling);
-    EXPECT_EQ(options.mkbDblOn1MS, 5);
-    EXPECT_EQ(options.mkbDblOffMS, 2);
-    EXPECT_EQ(options.noteNamesType, 0);
-    EXPECT_EQ(options.notesPres, (std::array<int32_t, 4>{1, 1, 1, 1}));
+    const StartupOptions o = settings.loadStartup();
+    EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbPlayHilite, o.mkbDoubling), std::make_tuple(true, false, true, false));
+    EXPECT_EQ(std::make_tuple(o.mkbDblOn1MS, o.mkbDblOffMS, o.noteNamesType), std::make_tuple(5, 2, 0));
+    EXPECT_EQ(o.notesPres, (std::array<int32_t, 4>{1, 1, 1, 1}));
     EXPECT_EQ(settings.udOrient(), 1);
     EXPECT_EQ(settings.tuningICateg(), 0);
 }
 
 TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)
 {
-    struct Case {
-        const char* approxQrt;
-        const char* hilite;
-        bool expected;
-    };
-    const Case cases[] = {
-        {"False", "True", false},
-        {"false", "", false},
-        {"True", "False", false},
-        {"TRUE", "1", true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.approxQrt) + " " + c.hilite);
-        std::string text = std::string("[options]\napproxQrt=") + c.approxQrt + "\n";
-        if (*c.hilite)
-            text += std::string("MKB-PlayHilite=") + c.hilite + "\n";
-        EXPECT_EQ(open(text).loadStartup().mkbPlayHilite, c.expected);
-    }
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"False", "MKB-PlayHilite=True", false}, {"false", "", false}, {"True", "MKB-PlayHilite=False", false}, {"TRUE", "MKB-PlayHilite=1", true}};
+    for (const auto& [approxQrt, hilite, expected] : cases)
+        EXPECT_EQ(open(std::string("[options]\napproxQrt=") + approxQrt + "\n" + hilite + "\n").loadStartup().mkbPlayHilite, expected)
+            << approxQrt << " " << hilite;
 }
 
 TEST_F(UserSettingsTest, UnreadableValueKeepsItsDefaultAndTheLoadGoesOn)
 {
-    const UserSettings settings = open(
-        "[options]\n"
-        "approxQrt=maybe\n"
-        "PlayMouseMove=True\n"
-        "MKB-dblOn1MS=fast\n"
-        "MKB-dblOffMS=7\n"
-        "NoteNamesType=1\n"
-        "NotesPres_Rest_NoMaqam=2\n"
-        "NotesPres_Play_NoMaqam=x\n"
-        "NotesPres_Play_Maqam=4\n"
-        "UdOrient=three\n"
-        "TuningICateg=12\n");
-    const StartupOptions options = settings.loadStartup();
-    EXPECT_TRUE(options.approxQrt);
-    EXPECT_TRUE(options.playMouseMove);
-    EXPECT_EQ(options.mkbDblOn1MS, 5);
-    EXPECT_EQ(options.mkbDblOffMS, 7);
-    EXPECT_EQ(options.noteNamesType, 1);
-    EXPECT_EQ(options.notesPres, (std::array<int32_t, 4>{2, 1, 1, 4}));
+    const UserSettings settings = open("[options]\napproxQrt=maybe\nPlayMouseMove=True\nMKB-dblOn1MS=fast\nMKB-dblOffMS=7\nNoteNamesType=1\n"
+                                       "NotesPres_Rest_NoMaqam=2\nNotesPres_Play_NoMaqam=x\nNotesPres_Play_Maqam=4\nUdOrient=three\nTuningICateg=12\n");
+    const StartupOptions o = settings.loadStartup();
+    EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbDblOn1MS, o.mkbDblOffMS, o.noteNamesType), std::make_tuple(true, true, 5, 7, 1));
+    EXPECT_EQ(o.notesPres, (std::array<int32_t, 4>{2, 1, 1, 4}));
     EXPECT_EQ(settings.udOrient(), 1);
     EXPECT_EQ(settings.tuningICateg(), 12);
 }
@@ -104,11 +73,8 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
     settings.setInt(Setting::TuningICateg, -2);
     // Read from the file while the store is still open: nothing waits for the program to exit.
     const std::string text = stored();
-    EXPECT_NE(text.find("[options]"), std::string::npos);
-    EXPECT_NE(text.find("approxQrt=False"), std::string::npos);
-    EXPECT_NE(text.find("MKB-Doubling=True"), std::string::npos);
-    EXPECT_NE(text.find("UdOrient=3"), std::string::npos);
-    EXPECT_NE(text.find("TuningICateg=-2"), std::string::npos);
+    for (const char* line : {"[options]\n", "approxQrt=False\n", "MKB-Doubling=True\n", "UdOrient=3\n", "TuningICateg=-2\n"})
+        EXPECT_NE(text.find(line), std::string::npos) << line;
 
     const UserSettings reopened = open(text);
     EXPECT_FALSE(reopened.loadStartup().approxQrt);
@@ -117,46 +83,33 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
     EXPECT_EQ(reopened.tuningICateg(), -2);
 }
 
-
 // Makes a file or folder unwritable for this process while it lives: by its mode for an ordinary
 // user, by the immutable flag for root (whom the mode does not stop). ok() is false when neither
 // is possible here.
 class Unwritable {
 public:
-    explicit Unwritable(std::string path) : path_(std::move(path))
-    {
-        if (::geteuid() != 0) {
-            struct stat st {};
-            ok_ = ::stat(path_.c_str(), &st) == 0 && ::chmod(path_.c_str(), st.st_mode & 0555) == 0;
-            mode_ = st.st_mode;
-            return;
-        }
-        immutable_ = ok_ = setImmutable(true);
-    }
+    explicit Unwritable(std::string path) : path_(std::move(path)) { ok_ = change(true); }
     ~Unwritable()
     {
-        if (!ok_)
-            return;
-        if (immutable_)
-            setImmutable(false);
-        else
-            ::chmod(path_.c_str(), mode_);
+        if (ok_)
+            change(false);
     }
-    Unwritable(const Unwritable&) = delete;
-    Unwritable& operator=(const Unwritable&) = delete;
-
     bool ok() const { return ok_; }
 
 private:
-    bool setImmutable(bool on) const
+    bool change(bool lock)
     {
+        if (::geteuid() != 0) {
+            struct stat st {};
+            if (lock && ::stat(path_.c_str(), &st) == 0)
+                mode_ = st.st_mode;
+            return ::chmod(path_.c_str(), lock ? mode_ & 0555 : mode_) == 0;
+        }
         const int fd = ::open(path_.c_str(), O_RDONLY);
         int flags = 0;
         bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
-        if (done) {
-            flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
-            done = ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
-        }
+        flags = lock ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
+        done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
         if (fd >= 0)
             ::close(fd);
         return done;
@@ -165,7 +118,6 @@ private:
     std::string path_;
     mode_t mode_ = 0;
     bool ok_ = false;
-    bool immutable_ = false;
 };
 
 // A profile that cannot be written (a locked-down account, a read-only disk): the learner's

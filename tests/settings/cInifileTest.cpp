@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tarabix {
@@ -40,31 +41,17 @@ TEST(cInifile, ReadsValuesLikeTheProfileCalls)
         "late=hidden by the first section of that name\r\n"
         "[last]\n"
         "tab\t=\tlf line end");
-    struct Case {
-        const char* section;
-        const char* key;
-        const char* expected;
-    };
-    const Case cases[] = {
-        {"q_rast", "name", "Rast"},
-        {"Q_RAST", "NAME", "Rast"},
-        {"q_rast", "; name", "(default)"},
-        {"q_rast", "quoted", "  spaced  "},
-        {"q_rast", "half", "\"open"},
-        {"q_rast", "inline", "a ; not a comment"},
-        {"q_rast", "noequals", "(default)"},
-        {"q_rast", "dup", "first"},
-        {"q_rast", "empty", ""},
-        {"q_rast", "late", "(default)"},
-        {"q_rast", "orphan", "(default)"},
-        {"last", "tab", "lf line end"},
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"q_rast", "name", "Rast"},       {"Q_RAST", "NAME", "Rast"},          {"q_rast", "; name", "(default)"},
+        {"q_rast", "quoted", "  spaced  "}, {"q_rast", "half", "\"open"},     {"q_rast", "inline", "a ; not a comment"},
+        {"q_rast", "noequals", "(default)"}, {"q_rast", "dup", "first"},      {"q_rast", "empty", ""},
+        {"q_rast", "late", "(default)"},  {"q_rast", "orphan", "(default)"},   {"last", "tab", "lf line end"},
         {"absent", "name", "(default)"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.section) + "/" + c.key);
-        cInifile ini = iniAt(path, c.section, c.key);
+    for (const auto& [section, key, expected] : cases) {
+        cInifile ini = iniAt(path, section, key);
         ini.setDefault("(default)   ");
-        EXPECT_EQ(ini.Value(), c.expected);
+        EXPECT_EQ(ini.Value(), expected) << section << "/" << key;
     }
 
     cInifile missing = iniAt(dir.path("absent.ini"), "q_rast", "name");
@@ -95,10 +82,11 @@ TEST(cInifile, LongValueTakesLeadingDigits)
     const std::pair<const char*, int32_t> cases[] = {
         {"plain", 42}, {"neg", -7}, {"tail", 12}, {"words", 0}, {"empty", 99}, {"absent", 99}, {"wrap", 1},
     };
-    for (const auto& [key, expected] : cases) {
-        SCOPED_TRACE(key);
-        EXPECT_EQ(iniAt(path, "N", key).LongValue(99), expected);
-    }
+    for (const auto& [key, expected] : cases)
+        EXPECT_EQ(iniAt(path, "N", key).LongValue(99), expected) << key;
+    // The number conversion of a whole text, unlike LongValue's leading digits.
+    EXPECT_EQ(cInifile::CLngDefault(" -12 ", 9), -12);
+    EXPECT_EQ(cInifile::CLngDefault("12abc", 9), 9);
 }
 
 TEST(cInifile, SectionListsKeepOrderAndTreatEmptyNamesApart)
@@ -133,20 +121,9 @@ TEST(cInifile, LongSectionListIsCutInsideItsLastName)
 TEST(cInifile, WritesAndDeletesKeepTheRestOfTheFile)
 {
     const test::TempFolder dir("ini_writes");
-    const std::string original =
-        "; maqam definitions\n"
-        "[q_rast]\n"
-        "Name = Rast\n"
-        "cents=0\n"
-        "\n"
-        "[q_saba]\n"
-        "name=Saba  ; keep me\n";
+    const std::string original = "; maqam definitions\n[q_rast]\nName = Rast\ncents=0\n\n[q_saba]\nname=Saba  ; keep me\n";
     const std::string path = dir.write("w.ini", original);
-    struct Case {
-        const char* what;
-        void (*edit)(cInifile&);
-        std::string expected;
-    };
+    struct Case { const char* what; void (*edit)(cInifile&); std::string expected; };
     const Case cases[] = {
         {"replace value, key keeps its spelling",
          [](cInifile& ini) { ini.setSection("Q_RAST"); ini.setKey("name"); ini.setValue("Rast 2"); },
@@ -222,12 +199,6 @@ TEST(cInifile, BrokenFilesReadWithoutFault)
     EXPECT_EQ(ini.EnumerateAllSections(), (std::vector<std::string>{"ok"}));
     ini.setKey("\0k"s);
     EXPECT_EQ(ini.Value(), "\0v"s);
-}
-
-TEST(cInifile, CLngDefaultFallsBackOnText)
-{
-    EXPECT_EQ(cInifile::CLngDefault(" -12 ", 9), -12);
-    EXPECT_EQ(cInifile::CLngDefault("12abc", 9), 9);
 }
 
 }  // namespace

@@ -14,26 +14,15 @@ TEST(NoteNames, LetterNamesInBothSystems)
         {0, kNamesSolfege, "Do"}, {4, kNamesSolfege, "Sol"}, {6, kNamesSolfege, "Si"},
         {7, kNamesSolfege, ""}, {0, 2, ""}, {0, -1, ""}, {-1, kNamesWestern, ""},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "index " << c.index << " system " << c.system);
-        EXPECT_EQ(noteLetterName(c.index, c.system), c.name);
-    }
+    for (const Case& c : cases)
+        EXPECT_EQ(noteLetterName(c.index, c.system), c.name) << "index " << c.index << " system " << c.system;
 }
 
 TEST(NoteNames, AccidentalSuffixes)
 {
-    EXPECT_EQ(accidentalSuffix(-2), " b");
-    EXPECT_EQ(accidentalSuffix(-1), " -");
-    EXPECT_EQ(accidentalSuffix(0), "");
-    EXPECT_EQ(accidentalSuffix(1), " +");
-    EXPECT_EQ(accidentalSuffix(2), " #");
-    EXPECT_EQ(accidentalSuffix(3), "");
-    EXPECT_EQ(accidentalSuffix(-3), "");
-}
-
-std::string spelled(int32_t cents, int32_t seventhToOctave, int step, int32_t system)
-{
-    return spelledNoteName(spellTonics(cents, seventhToOctave)[static_cast<size_t>(step)], system);
+    const std::pair<int32_t, const char*> cases[] = {{-2, " b"}, {-1, " -"}, {0, ""}, {1, " +"}, {2, " #"}, {3, ""}, {-3, ""}};
+    for (const auto& [code, suffix] : cases)
+        EXPECT_EQ(accidentalSuffix(code), suffix) << code;
 }
 
 TEST(NoteNames, SpellTonicsChoosesSharpsFlatsAndQuarterSigns)
@@ -53,9 +42,8 @@ TEST(NoteNames, SpellTonicsChoosesSharpsFlatsAndQuarterSigns)
         {150, 2, 2, kNamesWestern, "D"}, {-100, 1, 10, kNamesWestern, "C"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "cents " << c.cents << " interval " << c.seventhToOctave
-                                        << " step " << c.step);
-        EXPECT_EQ(spelled(c.cents, c.seventhToOctave, c.step, c.system), c.name);
+        const SpelledNote note = spellTonics(c.cents, c.seventhToOctave)[static_cast<size_t>(c.step)];
+        EXPECT_EQ(spelledNoteName(note, c.system), c.name) << "cents " << c.cents << " interval " << c.seventhToOctave << " step " << c.step;
     }
 }
 

@@ -1,16 +1,13 @@
-#include "oud/model/Tunings.h"
-#include "oud/model/mUdCtrl.h"
+#include "UsualOud.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace tarabix {
 namespace {
 
-const std::string kHighF = "0 :: F2 - A2 - D3 - G3 - C4 - F4 :: Fa - La - Re - Sol - Do - Fa :: 41 45 50 55 60 65";
+using test::kUsualOud;
 const std::string kCF = "1 :: C2 - F2 - A2 - D3 - G3 - C4 :: Do - Fa - La - Re - Sol - Do :: 36 41 45 50 55 60";
+const std::string kFiveStrings = "7 :: G2 - A2 - D3 - G3 - C4 :: Sol - La - Re - Sol - Do :: 43 45 50 55 60";
 
 std::vector<TuningRec> parsed(const std::string& text, int32_t expectedStatus)
 {
@@ -19,77 +16,42 @@ std::vector<TuningRec> parsed(const std::string& text, int32_t expectedStatus)
     return tunings;
 }
 
-TEST(Tunings, TextWithoutLineEndGivesTheBuiltInTuning)
+TEST(Tunings, TextWithoutCrLfOrUsableLineGivesTheBuiltInTuning)
 {
-    for (const std::string& text : {kHighF, std::string(), kHighF + "\n", kHighF + "\n" + kCF}) {
-        SCOPED_TRACE(text);
-        EXPECT_EQ(parsed(text, kTuningsBuiltIn), std::vector<TuningRec>{builtInTuning()});
-    }
+    const std::string texts[] = {kUsualOud, "", kUsualOud + "\n", kUsualOud + "\n" + kCF, "x :: a :: b :: 40\r\n// c\r\n\r\n"};
+    for (const std::string& text : texts)
+        EXPECT_EQ(parsed(text, kTuningsBuiltIn), std::vector<TuningRec>{builtInTuning()}) << text;
+    EXPECT_EQ(parsed(kUsualOud + "\r\n", kTuningsLoaded).size(), 1u);  // the same line with its CR LF
+    EXPECT_EQ(builtInTuning().stringPitch, (std::array<int32_t, 6>{}));
+    EXPECT_EQ(builtInTuning().stringCents, (std::array<int32_t, 6>{0, 45, 50, 55, 60, 65}));
 }
 
-TEST(Tunings, BuiltInTuningKeepsItsShape)
+TEST(Tunings, UsableLinesAreReadInFileOrderAndBadOnesSkipped)
 {
-    const TuningRec rec = builtInTuning();
-    EXPECT_EQ(rec.numStrings, 6);
-    EXPECT_EQ(rec.stringPitch, (std::array<int32_t, 6>{0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(rec.stringCents, (std::array<int32_t, 6>{0, 45, 50, 55, 60, 65}));
-}
-
-TEST(Tunings, LinesAreReadInFileOrder)
-{
-    const auto tunings = parsed("// header :: with :: four :: fields\r\n" + kCF + "\r\n\r\n" + kHighF + "\r\n", kTuningsLoaded);
+    // " //" is no comment: that line is skipped for its id, like the other bad lines.
+    const auto tunings = parsed("// header :: with :: four :: fields\r\n" + kCF + "\r\n\r\n //0 :: a :: b :: 40\r\n"
+                                    + "x :: a :: b :: 40\r\n1 :: a :: b :: 40  45\r\n" + kUsualOud + "\r\n",
+                                kTuningsLoaded);
     ASSERT_EQ(tunings.size(), 2u);
     EXPECT_EQ(tunings[0].id, 1);
-    EXPECT_EQ(tunings[1].id, 0);
-    EXPECT_EQ(tunings[1].name, "F2 - A2 - D3 - G3 - C4 - F4");
-    EXPECT_EQ(tunings[1].nameSolfege, "Fa - La - Re - Sol - Do - Fa");
-    EXPECT_EQ(tunings[1].numStrings, 6);
-    EXPECT_EQ(tunings[1].stringPitch, (std::array<int32_t, 6>{41, 45, 50, 55, 60, 65}));
-    EXPECT_EQ(tunings[1].stringCents, (std::array<int32_t, 6>{}));
+    EXPECT_EQ(tunings[1], (TuningRec{0, 6, {41, 45, 50, 55, 60, 65}, {}, "F2 - A2 - D3 - G3 - C4 - F4", "Fa - La - Re - Sol - Do - Fa"}));
 }
 
 TEST(Tunings, WhichLinesCount)
 {
-    struct Case { const char* line; bool usable; };
-    const Case cases[] = {
-        {"2 :: a::b :: c :: 40 45", true},
-        {"2 :: a :: b :: 40 45 :: 50", false},
-        {"2 :: a :: b", false},
-        {"x :: a :: b :: 40 45", false},
-        {"2 :: a :: b :: 40 4x", false},
-        {"2 :: a :: b :: 40  45", false},
-        {"2 :: a :: b :: 40 45 ", false},
-        {"2 :: a :: b :: ", false},
-        {"2 :: a :: b :: 30 35 40 45 50 55 60", false},
-        {"2 :: a :: b :: 40 128", false},
-        {"2 :: a :: b :: -1 40", false},
-        {"99999999999 :: a :: b :: 40", false},
-        {"-7 :: a :: b :: 40", true},
+    const std::pair<const char*, bool> cases[] = {
+        {"2 :: a::b :: c :: 40 45", true},     {"-7 :: a :: b :: 40", true},
+        {" //0 :: a :: b :: 40", false},       {"2 :: a :: b :: 40 45 :: 50", false},
+        {"2 :: a :: b", false},                {"x :: a :: b :: 40 45", false},
+        {"2 :: a :: b :: 40 4x", false},       {"2 :: a :: b :: 40  45", false},
+        {"2 :: a :: b :: 40 45 ", false},      {"2 :: a :: b :: ", false},
+        {"2 :: a :: b :: 30 35 40 45 50 55 60", false}, {"2 :: a :: b :: 40 128", false},
+        {"2 :: a :: b :: -1 40", false},       {"99999999999 :: a :: b :: 40", false},
         {"2 ::a :: b :: 40", false},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.line);
-        EXPECT_EQ(parseTuningLine(c.line).has_value(), c.usable);
-    }
-    const auto colons = parseTuningLine("2 :: a::b :: c :: 40 45");
-    ASSERT_TRUE(colons);
-    EXPECT_EQ(colons->name, "a::b");
-    EXPECT_EQ(colons->numStrings, 2);
-}
-
-TEST(Tunings, BlankBeforeSlashesIsNotAComment)
-{
-    // Read as a tuning line, it is skipped for its id; the lines after it still load.
-    EXPECT_FALSE(parseTuningLine(" //0 :: a :: b :: 40"));
-    const auto tunings = parsed(" //0 :: a :: b :: 40\r\n" + kCF + "\r\n", kTuningsLoaded);
-    ASSERT_EQ(tunings.size(), 1u);
-    EXPECT_EQ(tunings[0].id, 1);
-}
-
-TEST(Tunings, BadLinesAreSkippedAndNoUsableLineFallsBack)
-{
-    EXPECT_EQ(parsed("x :: a :: b :: 40\r\n" + kCF + "\r\n1 :: a :: b :: 40  45\r\n", kTuningsLoaded).size(), 1u);
-    EXPECT_EQ(parsed("x :: a :: b :: 40\r\n// c\r\n\r\n", kTuningsBuiltIn), std::vector<TuningRec>{builtInTuning()});
+    for (const auto& [line, usable] : cases)
+        EXPECT_EQ(parseTuningLine(line).has_value(), usable) << line;
+    EXPECT_EQ(parseTuningLine("2 :: a::b :: c :: 40 45")->name, "a::b");
 }
 
 TEST(Tunings, OctaveCaptions)
@@ -103,83 +65,55 @@ TEST(Tunings, OctaveCaptions)
 TEST(Tunings, LookupByIndexAndId)
 {
     mUdCtrl ud;
-    ASSERT_EQ(ud.loadTuningsText(kCF + "\r\n" + kHighF + "\r\n"), kTuningsLoaded);
+    ASSERT_EQ(ud.loadTuningsText(kCF + "\r\n" + kUsualOud + "\r\n"), kTuningsLoaded);
     int32_t id = 5;
-    EXPECT_EQ(ud.tuningAt(1, kNamesWestern, id), "F2 - A2 - D3 - G3 - C4 - F4");
-    EXPECT_EQ(id, 0);
-    EXPECT_EQ(ud.tuningAt(0, 7, id), "Do - Fa - La - Re - Sol - Do");
+    EXPECT_EQ(ud.tuningAt(0, 7, id), "Do - Fa - La - Re - Sol - Do");  // any non-zero system is solfège
     EXPECT_EQ(id, 1);
     EXPECT_EQ(ud.tuningAt(2, kNamesWestern, id), "");
     EXPECT_EQ(id, -1);
     int32_t index = 9;
-    EXPECT_EQ(ud.tuningById(0, kNamesSolfege, index), "Fa - La - Re - Sol - Do - Fa");
+    EXPECT_EQ(ud.tuningById(0, kNamesWestern, index), "F2 - A2 - D3 - G3 - C4 - F4");
     EXPECT_EQ(index, 1);
     index = 9;
     EXPECT_EQ(ud.tuningById(3, kNamesWestern, index), "");
     EXPECT_EQ(index, 9);
 }
 
-struct ApplyCounter {
-    explicit ApplyCounter(mUdCtrl& ud) { ud.onRestorePicture = [this] { ++restores; }; }
+TEST(Tunings, ApplyTuning)
+{
+    mUdCtrl ud;
+    ud.loadTuningsText(kUsualOud + "\r\n" + kCF + "\r\n" + kFiveStrings + "\r\n");
     int restores = 0;
-};
-
-TEST(Tunings, ApplyingTheSameTuningTwiceDoesNothing)
-{
-    mUdCtrl ud;
-    ud.loadTuningsText(kCF + "\r\n" + kHighF + "\r\n");
-    ApplyCounter counter(ud);
+    ud.onRestorePicture = [&restores] { ++restores; };
     ud.applyTuning(0, 0);
-    EXPECT_EQ(counter.restores, 1);
     ud.applyTuning(0, 0);
-    EXPECT_EQ(counter.restores, 1);
-    EXPECT_EQ(ud.curTuningId(), 0);
-    EXPECT_EQ(ud.curStringPitch(), (std::array<int32_t, 6>{41, 45, 50, 55, 60, 65}));
-}
+    EXPECT_EQ(restores, 1);  // the same id and shift again does nothing
 
-TEST(Tunings, AnOctaveMovesEveryOpenString)
-{
-    mUdCtrl ud;
-    ud.loadTuningsText(kCF + "\r\n" + kHighF + "\r\n");
-    ApplyCounter counter(ud);
     ud.applyTuning(1, 0);
     ud.applyTuning(1, -1);
-    EXPECT_EQ(counter.restores, 1);  // only the octave changed: marks stay
+    EXPECT_EQ(restores, 2);  // only the octave changed: marks stay
     EXPECT_EQ(ud.curTuneOctShift(), -1);
     EXPECT_EQ(ud.curStringPitch(), (std::array<int32_t, 6>{24, 29, 33, 38, 43, 48}));
     EXPECT_EQ(ud.lowestNote(), 24);
     EXPECT_EQ(ud.highestNote(), 55);
-}
 
-TEST(Tunings, UnknownIdTakesTheFirstTuningAndFewerStringsClearTheRest)
-{
-    mUdCtrl ud;
-    ud.loadTuningsText(kHighF + "\r\n7 :: G2 - A2 - D3 - G3 - C4 :: Sol - La - Re - Sol - Do :: 43 45 50 55 60\r\n");
-    ud.applyTuning(42, 1);
+    ud.applyTuning(42, 1);  // unknown id: the first tuning
     EXPECT_EQ(ud.curTuningId(), 0);
     EXPECT_EQ(ud.curStringPitch()[5], 77);
-    ud.applyTuning(7, 0);
+    ud.applyTuning(7, 0);  // fewer strings clear the rest
     EXPECT_EQ(ud.curNumStrings(), 5);
     EXPECT_EQ(ud.curStringPitch(), (std::array<int32_t, 6>{43, 45, 50, 55, 60, 0}));
     EXPECT_EQ(ud.highestNote(), 67);
 }
 
-TEST(Tunings, FilesThatCannotBeUsed)
+TEST(Tunings, FilesThatCannotBeReadGiveTheBuiltInTuning)
 {
-    const auto dir = std::filesystem::temp_directory_path() / ("tarabix-tunings-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-    std::filesystem::create_directories(dir);
-    const auto path = dir / "tunings.ini";
-    { std::ofstream(path, std::ios::binary) << kHighF; }
     mUdCtrl ud;
-    EXPECT_EQ(ud.loadTunings(path.string()), kTuningsBuiltIn);
-    EXPECT_EQ(ud.tunings(), std::vector<TuningRec>{builtInTuning()});
-    { std::ofstream(path, std::ios::binary) << kHighF << "\r\n"; }
-    EXPECT_EQ(ud.loadTunings(path.string()), kTuningsLoaded);
-    EXPECT_EQ(ud.tunings()[0].stringPitch[0], 41);
-    EXPECT_EQ(ud.loadTunings((dir / "missing.ini").string()), kTuningsBuiltIn);
-    EXPECT_EQ(ud.tuningCount(), 1);
-    EXPECT_EQ(ud.loadTunings(dir.string()), kTuningsBuiltIn);
-    std::filesystem::remove_all(dir);
+    for (const char* path : {TARABIX_SOURCE_DIR "/data/absent.ini", TARABIX_SOURCE_DIR "/data"}) {
+        ud.loadTuningsText(kCF + "\r\n");
+        EXPECT_EQ(ud.loadTunings(path), kTuningsBuiltIn) << path;
+        EXPECT_EQ(ud.tunings(), std::vector<TuningRec>{builtInTuning()});
+    }
 }
 
 TEST(Tunings, ShippedFileLoads)
@@ -187,18 +121,14 @@ TEST(Tunings, ShippedFileLoads)
     mUdCtrl ud;
     ASSERT_EQ(ud.loadTunings(TARABIX_SOURCE_DIR "/data/tunings.ini"), kTuningsLoaded);
     ASSERT_GE(ud.tuningCount(), 10);
-    int32_t id = -1;
-    EXPECT_EQ(ud.tuningAt(0, kNamesWestern, id), "F2 - A2 - D3 - G3 - C4 - F4");
-    EXPECT_EQ(id, 0);
-    EXPECT_EQ(ud.tunings()[0].stringPitch, (std::array<int32_t, 6>{41, 45, 50, 55, 60, 65}));
+    EXPECT_EQ(ud.tunings()[0], parseTuningLine(kUsualOud));
     for (int32_t i = 0; i < ud.tuningCount(); ++i) {
         const TuningRec& rec = ud.tunings()[static_cast<size_t>(i)];
-        SCOPED_TRACE(rec.name);
         int32_t index = -1;
         ud.tuningById(rec.id, kNamesWestern, index);
-        EXPECT_EQ(index, i) << "ids must be unique";
+        EXPECT_EQ(index, i) << rec.name << ": ids must be unique";
         ud.applyTuning(rec.id, 0);
-        EXPECT_EQ(ud.positionTableStatus(), 0);
+        EXPECT_EQ(ud.positionTableStatus(), 0) << rec.name;
     }
 }
 

@@ -1,31 +1,15 @@
-#include "oud/view/UdDisplay.h"
+#include "DisplayRig.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <set>
+#include <tuple>
 
 namespace tarabix {
 namespace {
 
-// F2 A2 D3 G3 C4 F4: the usual Arabic oud, lowest string first.
-const std::string kTunings = "7 :: F2 - A2 - D3 - G3 - C4 - F4 :: Fa - La - Re - Sol - Do - Fa :: 41 45 50 55 60 65\r\n";
-
-struct Rig {
-    mUdCtrl model;
-    UdDisplay display;
-    QRect lastChange;
-
-    explicit Rig(bool tuned = true)
-        : display(loadUdResources(QStringLiteral(TARABIX_SOURCE_DIR "/data")).resources)
-    {
-        display.attach(&model);
-        display.onChanged = [this](const QRect& r) { lastChange = r; };
-        if (tuned) {
-            model.loadTuningsText(kTunings);
-            model.applyTuning(7, 0);
-        }
-    }
-};
+using Rig = test::DisplayRig;
 
 QRect changedArea(const QImage& a, const QImage& b)
 {
@@ -37,121 +21,87 @@ QRect changedArea(const QImage& a, const QImage& b)
     return area;
 }
 
-QRgb colourAt(const QImage& image, PicPoint p)
-{
-    return image.pixel(p.x, p.y);
-}
+QRect marksArea(const Rig& rig) { return changedArea(rig.display.picUd(), rig.display.picUdClone()); }
 
 // Where a pitch with a shift other than 0 or 50 cents is drawn: its own fraction of the sounding
 // length along the string, not stretched to the drawn zone.
-PicPoint shiftedPoint(PicPoint a, PicPoint b, double centsAboveOpen)
+PicPoint shiftedPoint(size_t s, double centsAboveOpen)
 {
     const double f = 1.0 - std::pow(2.0, -centsAboveOpen / 1200.0);
-    return {static_cast<int32_t>(std::nearbyint((b.x - a.x) * f + a.x)),
-            static_cast<int32_t>(std::nearbyint((b.y - a.y) * f + a.y))};
+    return {static_cast<int32_t>(std::nearbyint((kStringEnd[s].x - kStringNut[s].x) * f + kStringNut[s].x)),
+            static_cast<int32_t>(std::nearbyint((kStringEnd[s].y - kStringNut[s].y) * f + kStringNut[s].y))};
 }
 
 TEST(UdDisplay, AMarkIsCentredOnThePointOfItsPitch)
 {
-    struct Case {
-        int32_t note, cents;
-        PicPoint expected;
+    const PositionEntry quarterAbove = Rig().model.positionAt(2 * 50 + 1);
+    const std::tuple<int32_t, int32_t, PicPoint> cases[] = {
+        {50, 0, kStringNut[2]},                         // D3: string 2's open string
+        {72, 0, kStringEnd[5]},                         // seventh semitone on the top string
+        {45, 0, kStringNut[1]},                         // A2 goes to string 1, not string 0
+        {50, 50, {quarterAbove.x, quarterAbove.y}},     // the quarter tone above uses its own table entry
+        {50, 25, shiftedPoint(2, 25.0)},                // shifts outside the table
+        {52, 75, shiftedPoint(2, 275.0)},
     };
-    const Case cases[] = {
-        {50, 0, kStringNut[2]},                                          // D3: string 2's open string
-        {72, 0, kStringEnd[5]},                                          // seventh semitone on the top string
-        {45, 0, kStringNut[1]},                                          // A2 goes to string 1, not string 0
-        {50, 25, shiftedPoint(kStringNut[2], kStringEnd[2], 25.0)},      // a shift outside the table
-        {52, 75, shiftedPoint(kStringNut[2], kStringEnd[2], 275.0)},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.note) + "/" + std::to_string(c.cents));
+    for (const auto& [note, cents, expected] : cases) {
+        SCOPED_TRACE(std::to_string(note) + "/" + std::to_string(cents));
         Rig rig;
-        ASSERT_EQ(rig.display.drawCircleMark(c.note, c.cents, false, false), 1);
-        const QRect area = changedArea(rig.display.picUd(), rig.display.picUdClone());
-        ASSERT_FALSE(area.isEmpty());
-        EXPECT_EQ(area.center(), QPoint(c.expected.x, c.expected.y));
-        EXPECT_TRUE(rig.lastChange.contains(area));
+        ASSERT_EQ(rig.display.drawCircleMark(note, cents, false, false), 1);
+        EXPECT_EQ(marksArea(rig).center(), QPoint(expected.x, expected.y));
+        EXPECT_TRUE(rig.lastChange.contains(marksArea(rig)));
     }
-}
-
-TEST(UdDisplay, TheQuarterToneAboveUsesItsOwnTableEntry)
-{
-    Rig rig;
-    const PositionEntry e = rig.model.positionAt(2 * 50 + 1);
-    ASSERT_TRUE(e.playable());
-    rig.display.drawCircleMark(50, 50, false, false);
-    EXPECT_EQ(changedArea(rig.display.picUd(), rig.display.picUdClone()).center(), QPoint(e.x, e.y));
 }
 
 TEST(UdDisplay, FingersPickTheirOwnMark)
 {
     Rig rig;
     // D3 open (finger 0), E3 (2), F3 (3) on string 2 and F3 + a quarter tone (4): four colours.
-    const std::pair<int32_t, int32_t> pitches[] = {{50, 0}, {52, 0}, {53, 0}, {53, 50}};
-    std::vector<QRgb> centres;
-    for (const auto& [note, cents] : pitches) {
+    std::set<QRgb> centres;
+    for (const auto& [note, cents] : {std::pair{50, 0}, {52, 0}, {53, 0}, {53, 50}}) {
         rig.display.drawCircleMark(note, cents, false, false);
-        centres.push_back(colourAt(rig.display.picUd(), *rig.display.pointOfPitch(note, cents)));
+        const PicPoint p = *rig.display.pointOfPitch(note, cents);
+        centres.insert(rig.display.picUd().pixel(p.x, p.y));
     }
-    std::sort(centres.begin(), centres.end());
-    EXPECT_EQ(std::unique(centres.begin(), centres.end()), centres.end());
+    EXPECT_EQ(centres.size(), 4u);
 }
 
 TEST(UdDisplay, ErasingRestoresTheRestingPicture)
 {
     Rig rig;
-    rig.display.setRestingScale(RestingScale{});
     rig.display.redrawResting();
     const QImage resting = rig.display.picUd().copy();
     rig.display.drawCircleMark(52, 0, false, false);
     ASSERT_NE(rig.display.picUd(), resting);
     rig.display.eraseCircleMark(52, 0);
     EXPECT_EQ(rig.display.picUd(), resting);
-}
-
-TEST(UdDisplay, TwoMarksAtOnePointVanishTogether)
-{
-    Rig rig;
+    // Two marks at one point vanish together when either ends.
     rig.display.drawCircleMark(55, 0, false, false);
     rig.display.drawCircleMark(55, 0, false, false);
     rig.display.eraseCircleMark(55, 0);
-    EXPECT_EQ(rig.display.picUd(), rig.display.picUdClone());
-}
-
-TEST(UdDisplay, AnEraseWithoutAMarkChangesNothing)
-{
-    Rig rig;
-    rig.display.redrawResting();
-    const QImage before = rig.display.picUd().copy();
+    EXPECT_EQ(rig.display.picUd(), resting);
+    // An erase with no mark, or off the fingerboard, changes nothing.
     rig.display.eraseCircleMark(50, 0);
     rig.display.eraseNameLabel(52, 0);
-    rig.display.eraseCircleMark(20, 0);  // off the fingerboard
-    EXPECT_EQ(rig.display.picUd(), before);
+    rig.display.eraseCircleMark(20, 0);
+    EXPECT_EQ(rig.display.picUd(), resting);
 }
 
 TEST(UdDisplay, LabelsFramedAndFilledByState)
 {
-    struct Case {
-        bool highlighted;
-        QRgb frame;
-        QRgb fill;
-    };
-    const Case cases[] = {{true, qRgb(192, 0, 0), qRgb(255, 255, 204)}, {false, qRgb(221, 190, 165), qRgb(255, 255, 255)}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.highlighted);
+    const std::tuple<bool, QRgb, QRgb> cases[] = {{true, qRgb(192, 0, 0), qRgb(255, 255, 204)}, {false, qRgb(221, 190, 165), qRgb(255, 255, 255)}};
+    for (const auto& [highlighted, frame, fill] : cases) {
+        SCOPED_TRACE(highlighted);
         Rig rig;
-        ASSERT_EQ(rig.display.drawNameLabel(52, 0, c.highlighted, 2, kQuarterFlat, false), 1);
+        ASSERT_EQ(rig.display.drawNameLabel(52, 0, highlighted, 2, kQuarterFlat, false), 1);
         const PicPoint p = *rig.display.pointOfPitch(52, 0);
         const QRect box = rig.display.labelRect(p);
         EXPECT_TRUE(box.contains(p.x, p.y));
         const QImage& shown = rig.display.picUd();
         for (const QPoint corner : {box.topLeft(), box.topRight(), box.bottomLeft(), box.bottomRight()})
-            EXPECT_EQ(shown.pixel(corner), c.frame);
-        EXPECT_EQ(shown.pixel(box.topLeft() + QPoint(1, 1)), c.fill);
-        EXPECT_EQ(shown.pixel(box.bottomRight() - QPoint(1, 1)), c.fill);
-        // The name itself is dark ink inside the frame.
-        int ink = 0;
+            EXPECT_EQ(shown.pixel(corner), frame);
+        EXPECT_EQ(shown.pixel(box.topLeft() + QPoint(1, 1)), fill);
+        EXPECT_EQ(shown.pixel(box.bottomRight() - QPoint(1, 1)), fill);
+        int ink = 0;  // the name itself is dark ink inside the frame
         for (int y = box.top() + 1; y < box.bottom(); ++y)
             for (int x = box.left() + 1; x < box.right(); ++x)
                 ink += qGray(shown.pixel(x, y)) < 80;
@@ -169,11 +119,9 @@ TEST(UdDisplay, NothingIsDrawnOffTheFingerboardOrBeforeATuning)
     EXPECT_EQ(untuned.display.rangeSide(50, 0), kRangeUnknown);
 
     Rig rig;
-    const std::pair<int32_t, int32_t> offBoard[] = {{40, 0}, {73, 0}, {-5, 0}, {127, 50}, {1000, 0}, {200, 25}};
-    for (const auto& [note, cents] : offBoard) {
-        SCOPED_TRACE(std::to_string(note) + "/" + std::to_string(cents));
-        EXPECT_EQ(rig.display.drawCircleMark(note, cents, true, false), 0);
-        EXPECT_EQ(rig.display.drawNameLabel(note, cents, true, 0, 0, true), 0);
+    for (const auto& [note, cents] : {std::pair{40, 0}, {73, 0}, {-5, 0}, {127, 50}, {1000, 0}, {200, 25}}) {
+        EXPECT_EQ(rig.display.drawCircleMark(note, cents, true, false), 0) << note << "/" << cents;
+        EXPECT_EQ(rig.display.drawNameLabel(note, cents, true, 0, 0, true), 0) << note << "/" << cents;
     }
     EXPECT_EQ(rig.display.drawNameLabel(50, 0, true, 7, 0, true), 0);  // no such letter
     EXPECT_EQ(rig.display.picUd(), rig.display.picUdCloneUnmarked());
@@ -181,37 +129,24 @@ TEST(UdDisplay, NothingIsDrawnOffTheFingerboardOrBeforeATuning)
 
 TEST(UdDisplay, RangeSides)
 {
-    Rig rig;
     // The built-in tuning has every string at note 0 but cents 0, 45 .. 65: the top of its range
     // is note 7, and is measured against the lowest string's 0 cents.
-    Rig builtIn;
+    Rig rig, builtIn(false);
     builtIn.model.setDefaultTuning();
     builtIn.model.applyTuning(0, 0);
-    struct Case {
-        Rig* rig;
-        int32_t note, cents, side;
-    };
-    const Case cases[] = {
+    const std::tuple<Rig*, int32_t, int32_t, int32_t> cases[] = {
         {&rig, 40, 50, kRangeBelow},  // a quarter tone below the lowest open string
         {&rig, 41, 0, kRangeInside},  {&rig, 72, 0, kRangeInside},  {&rig, 72, 50, kRangeAbove},
         {&rig, 73, 0, kRangeAbove},   {&builtIn, 0, -1, kRangeBelow}, {&builtIn, 7, 0, kRangeInside},
         {&builtIn, 7, 30, kRangeAbove},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.note) + "/" + std::to_string(c.cents));
-        EXPECT_EQ(c.rig->display.rangeSide(c.note, c.cents), c.side);
-    }
+    for (const auto& [r, note, cents, side] : cases)
+        EXPECT_EQ(r->display.rangeSide(note, cents), side) << note << "/" << cents;
 }
 
 TEST(UdDisplay, NoteOnDrawsByPlayModeAndReportsTheRangeSide)
 {
-    struct Case {
-        int32_t mode;
-        int32_t note;
-        bool shown;
-        bool drawsSomething;
-        int32_t side;
-    };
+    struct Case { int32_t mode, note; bool shown, drawsSomething; int32_t side; };
     const Case cases[] = {
         {kPresNothing, 50, true, false, kRangeInside}, {kPresNothing, 30, true, false, kRangeBelow},
         {kPresNothing, 90, true, false, kRangeAbove},  {kPresCircles, 50, true, true, kRangeInside},
@@ -248,15 +183,10 @@ TEST(UdDisplay, RestingRastOnCMarksItsSevenDegreesOnly)
         for (size_t d = 0; d < 7; ++d) {
             const int32_t note = rast.pitchClass[d] + 12 * k;
             const PositionEntry e = rig.model.positionAt(2 * note);
-            if (!e.playable())
-                continue;
-            if (rast.cents[d] == 0) {
-                expected.push_back({e.x, e.y});
-            } else {
-                const size_t s = static_cast<size_t>(e.string);
-                const double above = (note - rig.model.curStringPitch()[s]) * 100.0 + rast.cents[d];
-                expected.push_back(shiftedPoint(kStringNut[s], kStringEnd[s], above));
-            }
+            const size_t s = static_cast<size_t>(e.string);
+            if (e.playable())
+                expected.push_back(rast.cents[d] == 0 ? PicPoint{e.x, e.y}
+                                                      : shiftedPoint(s, (note - rig.model.curStringPitch()[s]) * 100.0 + rast.cents[d]));
         }
     }
     ASSERT_GT(expected.size(), 10u);
@@ -268,16 +198,13 @@ TEST(UdDisplay, RestingRastOnCMarksItsSevenDegreesOnly)
         EXPECT_NE(shown.pixel(p.x, p.y), clean.pixel(p.x, p.y)) << p.x << "," << p.y;
         covered += rig.display.circleMarkRect(p);
     }
-    // C sharp (61) is not in Rast: nothing drawn there.
+    int stray = 0;  // changed pixels outside the degrees' marks
+    for (int y = 0; y < shown.height(); ++y)
+        for (int x = 0; x < shown.width(); ++x)
+            stray += shown.pixel(x, y) != clean.pixel(x, y) && !covered.contains(QPoint(x, y));
+    EXPECT_EQ(stray, 0);
     const PositionEntry cSharp = rig.model.positionAt(2 * 61);
     EXPECT_EQ(shown.pixel(cSharp.x, cSharp.y), clean.pixel(cSharp.x, cSharp.y));
-    for (int y = 0; y < shown.height(); ++y) {
-        for (int x = 0; x < shown.width(); ++x) {
-            if (shown.pixel(x, y) != clean.pixel(x, y)) {
-                ASSERT_TRUE(covered.contains(QPoint(x, y))) << x << "," << y;
-            }
-        }
-    }
 }
 
 TEST(UdDisplay, RestingNamesWithoutAMaqamSpellEveryPitchClass)
@@ -305,31 +232,18 @@ TEST(UdDisplay, ASecondOrientationFlipsThePicture)
     rig.model.setOrientation(kRightMirrorView, true);
     EXPECT_EQ(rig.display.picUdCloneUnmarked(), upright.mirrored(false, true));
     EXPECT_EQ(rig.display.picUd(), rig.display.picUdCloneUnmarked());
-    // 1 then 3: only the left-right flip is added.
-    rig.model.setOrientation(kLeftMirrorView, true);
+    rig.model.setOrientation(kLeftMirrorView, true);  // 1 then 3: only the left-right flip is added
     EXPECT_EQ(rig.display.picUdCloneUnmarked(), upright.mirrored(true, true));
     rig.display.drawCircleMark(50, 0, false, false);
-    const QRect area = changedArea(rig.display.picUd(), rig.display.picUdClone());
-    EXPECT_EQ(area.center(), QPoint(742 - kStringNut[2].x, 187 - kStringNut[2].y));
+    EXPECT_EQ(marksArea(rig).center(), QPoint(742 - kStringNut[2].x, 187 - kStringNut[2].y));
     rig.model.setOrientation(kRightPlayerView, true);
     EXPECT_EQ(rig.display.picUdCloneUnmarked(), upright);
 }
-
-}  // namespace
-}  // namespace tarabix
-
-namespace tarabix {
-namespace {
 
 TEST(UdDisplay, FollowsTheCurrentMaqam)
 {
     mMaqams maqams;
     ASSERT_EQ(maqams.loadMaqams(TARABIX_SOURCE_DIR "/data/maqams.ini"), "");
-    int32_t rast = 0;
-    for (int32_t i = 1; i <= maqams.maqamCount(); ++i)
-        if (maqams.maqamName(i) == "Rast")
-            rast = i;
-    ASSERT_GT(rast, 0);
     Rig rig;
     NotePresentation pres;
     pres.playMaqam = kPresNames;
@@ -338,7 +252,7 @@ TEST(UdDisplay, FollowsTheCurrentMaqam)
     rig.display.followMaqams(&maqams);
     EXPECT_FALSE(rig.display.restingScale().maqamSelected);
 
-    maqams.selectMaqam(rast, 2);  // Rast on D
+    ASSERT_TRUE(maqams.applyMaqamMarker("Q:Rast/2"));  // Rast on D
     const RestingScale scale = rig.display.restingScale();
     EXPECT_TRUE(scale.maqamSelected);
     EXPECT_EQ(scale.pitchClass[0], 2);

@@ -1,4 +1,4 @@
-#include "oud/view/UdDisplay.h"
+#include "DisplayRig.h"
 #include "oud/view/UdPictureWidget.h"
 
 #include <QSignalSpy>
@@ -11,26 +11,16 @@
 namespace tarabix {
 namespace {
 
-struct WidgetRig {
-    mUdCtrl model;
-    UdDisplay display{loadUdResources(QStringLiteral(TARABIX_SOURCE_DIR "/data")).resources};
+struct WidgetRig : test::DisplayRig {
     UdPictureWidget widget{&display};
-
-    explicit WidgetRig(QSize size)
-    {
-        display.attach(&model);
-        model.loadTuningsText("7 :: F2 - A2 - D3 - G3 - C4 - F4 :: Fa - La - Re - Sol - Do - Fa :: 41 45 50 55 60 65\r\n");
-        model.applyTuning(7, 0);
-        widget.resize(size);
-    }
+    explicit WidgetRig(QSize size) { widget.resize(size); }
 };
 
 TEST(UdPictureWidget, MapsPointsBothWaysAtAnyScale)
 {
     // Natural size, a full-HD window's 2.5 times, and a window wider than the picture's shape.
-    const QSize sizes[] = {{743, 188}, {1857, 470}, {1200, 188}};
-    for (const QSize size : sizes) {
-        SCOPED_TRACE(std::to_string(size.width()) + "x" + std::to_string(size.height()));
+    for (const QSize size : {QSize(743, 188), QSize(1857, 470), QSize(1200, 188)}) {
+        SCOPED_TRACE(size.width());
         WidgetRig rig(size);
         const QRectF area = rig.widget.pictureArea();
         EXPECT_NEAR(area.width() / area.height(), 743.0 / 188.0, 0.01);
@@ -62,10 +52,7 @@ TEST(UdPictureWidget, PressesArriveInPictureUnits)
     EXPECT_EQ(pressed.at(0).at(1).value<Qt::MouseButton>(), Qt::LeftButton);
 }
 
-int distance(const QColor& a, const QColor& b)
-{
-    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue());
-}
+int distance(const QColor& a, const QColor& b) { return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue()); }
 
 TEST(UdPictureWidget, ShowsTheMarkWhereItWasDrawn)
 {

@@ -14,20 +14,6 @@ namespace {
 
 const QString kDataDir = QStringLiteral(TARABIX_SOURCE_DIR "/data");
 
-QString copyOfData(const QTemporaryDir& dir)
-{
-    for (const char* name : {kFingerboardPictureFile, kMarkStripFile, kMarkTableFile, kGlyphStripFile, kGlyphTableFile})
-        QFile::copy(QDir(kDataDir).filePath(QString::fromLatin1(name)), dir.filePath(QString::fromLatin1(name)));
-    return dir.path();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
 TEST(UdResources, ShippedPicturesLoad)
 {
     const UdResourceLoad load = loadUdResources(kDataDir);
@@ -47,15 +33,10 @@ TEST(UdResources, ShippedPicturesLoad)
     EXPECT_LE(g.height, g.boxHeight - 2);
 }
 
-struct MissingCase {
-    const char* file;
-    QByteArray replacement;  // empty: the file is removed
-    MissingResource expected;
-};
-
 TEST(UdResources, TheFirstMissingResourceIsReported)
 {
-    const MissingCase cases[] = {
+    struct Case { const char* file; QByteArray replacement; MissingResource expected; };  // no replacement: removed
+    const Case cases[] = {
         {kFingerboardPictureFile, {}, MissingResource::FingerboardPicture},
         {kFingerboardPictureFile, "not a png", MissingResource::FingerboardPicture},
         {kMarkStripFile, {}, MissingResource::MarkPicture},
@@ -66,36 +47,34 @@ TEST(UdResources, TheFirstMissingResourceIsReported)
         {kGlyphTableFile, "height 12\naccidental-width 8\nbox 38 14\nwidths 1 1 1 1 1 1 1 1 1 1 1 1 1 1\n",
          MissingResource::NoteNameFont},
     };
-    for (const MissingCase& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.file) + " / " + c.replacement.toStdString());
         QTemporaryDir dir;
-        const QString folder = copyOfData(dir);
-        const QString path = QDir(folder).filePath(QString::fromLatin1(c.file));
+        for (const char* name : {kFingerboardPictureFile, kMarkStripFile, kMarkTableFile, kGlyphStripFile, kGlyphTableFile})
+            QFile::copy(QDir(kDataDir).filePath(QString::fromLatin1(name)), dir.filePath(QString::fromLatin1(name)));
+        QFile file(dir.filePath(QString::fromLatin1(c.file)));
         if (c.replacement.isEmpty())
-            QFile::remove(path);
+            file.remove();
         else
-            writeFile(path, c.replacement);
-        const UdResourceLoad load = loadUdResources(folder);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(c.replacement) > 0);
+        file.close();
+        const UdResourceLoad load = loadUdResources(dir.path());
         EXPECT_EQ(load.missing, c.expected);
         EXPECT_FALSE(load.detail.isEmpty());
     }
-}
-
-TEST(UdResources, OnlyTheFirstFailureCounts)
-{
-    QTemporaryDir dir;
-    EXPECT_EQ(loadUdResources(dir.path()).missing, MissingResource::FingerboardPicture);
+    QTemporaryDir empty;  // only the first failure counts
+    EXPECT_EQ(loadUdResources(empty.path()).missing, MissingResource::FingerboardPicture);
 }
 
 TEST(UdResources, StopMessages)
 {
-    EXPECT_EQ(missingResourceMessage(MissingResource::FingerboardPicture),
-              QStringLiteral("Cannot find Ud image.\r\n\r\nThe program will terminate."));
-    EXPECT_EQ(missingResourceMessage(MissingResource::MarkPicture),
-              QStringLiteral("Cannot find mark image(s).\r\n\r\nThe program will terminate."));
-    EXPECT_EQ(missingResourceMessage(MissingResource::NoteNameFont),
-              QStringLiteral("Cannot find note-name font.\r\n\r\nThe program will terminate."));
-    EXPECT_TRUE(missingResourceMessage(MissingResource::None).isEmpty());
+    const std::pair<MissingResource, const char*> cases[] = {
+        {MissingResource::FingerboardPicture, "Cannot find Ud image.\r\n\r\nThe program will terminate."},
+        {MissingResource::MarkPicture, "Cannot find mark image(s).\r\n\r\nThe program will terminate."},
+        {MissingResource::NoteNameFont, "Cannot find note-name font.\r\n\r\nThe program will terminate."},
+        {MissingResource::None, ""}};
+    for (const auto& [missing, message] : cases)
+        EXPECT_EQ(missingResourceMessage(missing), QString::fromLatin1(message));
 }
 
 TEST(MarkTableText, RoundTripsAndRefusesBrokenLines)
@@ -104,15 +83,9 @@ TEST(MarkTableText, RoundTripsAndRefusesBrokenLines)
     for (int i = 0; i < kMarkCellCount; ++i)
         table[static_cast<size_t>(i)] = MarkRecord{qRgb(255, 0, 255), 3 + i % 2, 4};
     EXPECT_EQ(parseMarkTable(formatMarkTable(table), 9, 9, nullptr), table);
-
-    const char* broken[] = {
-        "0 #ff00ff 4 4\n1 #ff00ff 4 4\n2 #ff00ff 4 4\n3 #ff00ff 4 4\n4 #ff00ff 4 4\n",   // five cells
-        "0 #ff00ff 4 4\n2 #ff00ff 4 4\n",                                                   // out of order
-        "0 #ff00ff 4\n",                                                                    // short line
-        "0 nocolour 4 4\n",                                                                 // bad colour
-        "0 #ff00ff 9 4\n",                                                                  // outside cell
-        "0 #ff00ff -1 4\n",                                                                 // negative
-    };
+    // Five cells, out of order, a short line, a bad colour, offsets outside the cell or negative.
+    const char* broken[] = {"0 #ff00ff 4 4\n1 #ff00ff 4 4\n2 #ff00ff 4 4\n3 #ff00ff 4 4\n4 #ff00ff 4 4\n", "0 #ff00ff 4 4\n2 #ff00ff 4 4\n",
+                            "0 #ff00ff 4\n", "0 nocolour 4 4\n", "0 #ff00ff 9 4\n", "0 #ff00ff -1 4\n"};
     for (const char* text : broken) {
         SCOPED_TRACE(text);
         QString why;
@@ -123,11 +96,7 @@ TEST(MarkTableText, RoundTripsAndRefusesBrokenLines)
 
 TEST(GlyphTableText, RoundTripsAndRefusesBrokenValues)
 {
-    GlyphTable table;
-    table.height = 12;
-    table.accidentalWidth = 8;
-    table.boxWidth = 38;
-    table.boxHeight = 14;
+    GlyphTable table{.height = 12, .accidentalWidth = 8, .boxWidth = 38, .boxHeight = 14};
     for (int i = 0; i < kLetterGlyphCount; ++i)
         table.letterWidths[static_cast<size_t>(i)] = 5 + i;
     EXPECT_EQ(parseGlyphTable(formatGlyphTable(table), nullptr), table);
@@ -135,16 +104,10 @@ TEST(GlyphTableText, RoundTripsAndRefusesBrokenValues)
     EXPECT_EQ(table.accidentalX(1), table.letterX(kLetterGlyphCount) + 8);
 
     const QString good = formatGlyphTable(table);
-    const QString broken[] = {
-        QString(good).replace(QStringLiteral("height 12"), QStringLiteral("height 0")),
-        QString(good).replace(QStringLiteral("height 12"), QStringLiteral("height 100000")),
-        QString(good).replace(QStringLiteral("box 38 14"), QStringLiteral("box 38")),
-        QString(good).replace(QStringLiteral("box 38 14"), QStringLiteral("box 38 10")),
-        QString(good).replace(QStringLiteral("widths 5"), QStringLiteral("widths x")),
-        QString(good).replace(QStringLiteral("accidental-width 8\n"), QString()),
-        good + QStringLiteral("colour red\n"),
-    };
-    for (const QString& text : broken) {
+    const std::pair<const char*, const char*> edits[] = {{"height 12", "height 0"}, {"height 12", "height 100000"}, {"box 38 14", "box 38"},
+        {"box 38 14", "box 38 10"}, {"widths 5", "widths x"}, {"accidental-width 8\n", ""}, {"\nheight", "\ncolour red\nheight"}};
+    for (const auto& [from, to] : edits) {
+        const QString text = QString(good).replace(QString::fromLatin1(from), QString::fromLatin1(to));
         SCOPED_TRACE(text.toStdString());
         QString why;
         EXPECT_FALSE(parseGlyphTable(text, &why));
