@@ -1,3 +1,4 @@
+#include "TestFiles.h"
 #include "playback/FluidSynthPort.h"
 #include "playback/SoundFontLocator.h"
 #include "playback/SynthDiagnostics.h"
@@ -5,12 +6,12 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <unistd.h>
+#include <algorithm>
 
 namespace tarabix {
 namespace {
+
+using test::scratchPath;
 
 bool machineHasSoundCard()
 {
@@ -18,43 +19,42 @@ bool machineHasSoundCard()
     return std::filesystem::exists("/dev/snd", ec);
 }
 
-std::filesystem::path scratchFile(const std::string& name)
+// FluidSynth's file driver plays in real time like a sound card does, so the threaded SoundFont
+// load and the queue in front of it run here even without audio hardware.
+FluidSynthPortOptions fileDriver(const std::string& soundFont, const std::string& rawPath)
 {
-    return std::filesystem::temp_directory_path() / ("tarabix-" + std::to_string(getpid()) + "-" + name);
+    FluidSynthPortOptions options;
+    options.soundFontPath = soundFont;
+    options.audioDrivers = {"no-such-driver", "file"};
+    options.driverSettings = {{"audio.file.name", rawPath}, {"audio.file.type", "raw"}};
+    return options;
 }
 
-TEST(FluidSynthPort, WithoutAnAudioDeviceOpenFailsAndSaysWhy)
+TEST(FluidSynthPort, WithoutAnAudioDeviceOpenFailsQuietlyAndSaysWhy)
 {
-    FluidSynthPortOptions unusable;
-    unusable.audioDrivers = {"no-such-driver"};
-    FluidSynthPortOptions platform;
-    struct Case {
-        const char* name;
-        FluidSynthPortOptions options;
-        bool applies;
-    };
-    const Case cases[] = {
-        {"a driver FluidSynth does not have", unusable, true},
-        {"the platform's drivers on a machine without a sound card", platform, !machineHasSoundCard()},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        if (!c.applies)
-            continue;
-        FluidSynthPort port(c.options);
-        EXPECT_EQ(port.open(), kMidiOutNoDevice);
-        EXPECT_EQ(port.failureReason(), "no audio output device");
-        EXPECT_EQ(port.state(), FluidSynthPort::State::Closed);
-        port.send(0x643C90);
-        port.reset();
-        EXPECT_EQ(port.close(), kMidiOutInvalidHandle);
-        // A second try (the window's activity timer) fails the same way.
-        EXPECT_EQ(port.open(), kMidiOutNoDevice);
-    }
+    FluidSynthPortOptions options;
+    options.audioDrivers = {"no-such-driver"};
+    FluidSynthPort port(options);
+    clearSynthDiagnostics();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(port.open(), kMidiOutNoDevice);
+    // FluidSynth's complaint goes to our diagnostics, not to the terminal.
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    const std::vector<std::string> diagnostics = recentSynthDiagnostics();
+    EXPECT_TRUE(std::ranges::any_of(diagnostics, [](const std::string& line) {
+        return line.find("no-such-driver") != std::string::npos;
+    }));
+    EXPECT_EQ(port.failureReason(), "no audio output device");
+    EXPECT_EQ(port.state(), FluidSynthPort::State::Closed);
+    port.send(0x643C90);
+    port.reset();
+    EXPECT_EQ(port.close(), kMidiOutInvalidHandle);
+    // A second try (the window's activity timer) fails the same way.
+    EXPECT_EQ(port.open(), kMidiOutNoDevice);
 }
 
-// What the window meets at start-up on a machine without sound: the mapper's code and reason,
-// and a program that runs on.
+// What the window meets at start-up on a machine without sound: the mapper's code and reason
+// (through the platform's own drivers), and a program that runs on.
 TEST(FluidSynthPort, TheMapperOnAMachineWithoutSoundFailsThroughTheOutputLayer)
 {
     if (machineHasSoundCard())
@@ -66,38 +66,16 @@ TEST(FluidSynthPort, TheMapperOnAMachineWithoutSoundFailsThroughTheOutputLayer)
     midiNoteOn(0, 60, 50, 100);
     midiOutReset();
     EXPECT_EQ(closeMidiOut(), kMidiOutInvalidHandle);
-    const std::vector<MidiOutDevice> devices = listMidiOutDevices();
-    ASSERT_FALSE(devices.empty());
-    EXPECT_EQ(devices.front(), (MidiOutDevice{-1, "MIDI Mapper"}));
+    EXPECT_EQ(listMidiOutDevices().at(0), (MidiOutDevice{-1, "MIDI Mapper"}));
     resetMidiMainState();
-}
-
-TEST(FluidSynthPort, LogGoesToDiagnosticsNotStderr)
-{
-    clearSynthDiagnostics();
-    FluidSynthPortOptions options;
-    options.audioDrivers = {"no-such-driver"};
-    FluidSynthPort port(options);
-    testing::internal::CaptureStderr();
-    port.open();
-    const std::string stderrText = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(stderrText, "");
-    bool mentioned = false;
-    for (const std::string& line : recentSynthDiagnostics())
-        mentioned = mentioned || line.find("no-such-driver") != std::string::npos;
-    EXPECT_TRUE(mentioned);
 }
 
 TEST(FluidSynthPort, ASoundFontThatWillNotLoadLeavesItSilentWithTheReason)
 {
-    const std::filesystem::path raw = scratchFile("bad-sf.raw");
-    const std::filesystem::path fake = scratchFile("not-a-soundfont.sf2");
+    const std::string raw = scratchPath("bad-sf.raw");
+    const std::string fake = scratchPath("not-a-soundfont.sf2");
     std::ofstream(fake) << "RIFF but not really";
-    FluidSynthPortOptions options;
-    options.soundFontPath = fake.string();
-    options.audioDrivers = {"file"};
-    options.driverSettings = {{"audio.file.name", raw.string()}, {"audio.file.type", "raw"}};
-    FluidSynthPort port(options);
+    FluidSynthPort port(fileDriver(fake, raw));
     ASSERT_EQ(port.open(), kMidiOutOk);
     EXPECT_FALSE(port.waitUntilReady(10000));
     EXPECT_EQ(port.state(), FluidSynthPort::State::Failed);
@@ -111,35 +89,34 @@ TEST(FluidSynthPort, ASoundFontThatWillNotLoadLeavesItSilentWithTheReason)
 
 TEST(SoundFontLocator, TheUsersSoundFontComesFirstWhenItCanBeRead)
 {
-    const std::filesystem::path mine = scratchFile("mine.sf2");
+    const std::string mine = scratchPath("mine.sf2");
     std::ofstream(mine) << "x";
-    setSoundFontOverride(mine.string());
-    EXPECT_EQ(findSoundFont(), mine.string());
+    setSoundFontOverride(mine);
+    EXPECT_EQ(findSoundFont(), mine);
     std::filesystem::remove(mine);
-    EXPECT_NE(findSoundFont(), mine.string());
-    EXPECT_EQ(soundFontCandidates().front(), mine.string());
+    EXPECT_NE(findSoundFont(), mine);
+    EXPECT_EQ(soundFontCandidates().front(), mine);
     setSoundFontOverride("");
-    EXPECT_NE(soundFontCandidates().front(), mine.string());
+    EXPECT_NE(soundFontCandidates().front(), mine);
 }
 
-// FluidSynth's file driver plays in real time like a sound card does, so the threaded SoundFont
-// load and the queue in front of it run here even without audio hardware.
-TEST(FluidSynthPort, PlaysThroughADriverWhileTheSoundFontLoadsBehind)
+TEST(FluidSynthPort, PlaysWhatWasSentWhileTheSoundFontLoadedAndOpensAgainAfterAClose)
 {
     const std::string soundFont = findSoundFont();
     if (soundFont.empty())
         GTEST_SKIP() << "no General MIDI SoundFont installed";
-    const std::filesystem::path raw = scratchFile("live.raw");
-    FluidSynthPortOptions options;
-    options.soundFontPath = soundFont;
-    options.audioDrivers = {"no-such-driver", "file"};
-    options.driverSettings = {{"audio.file.name", raw.string()}, {"audio.file.type", "raw"}};
-    FluidSynthPort port(options);
+    const std::string raw = scratchPath("live.raw");
+    {
+        // Destroyed while the SoundFont still loads: the loading thread must not outlive it.
+        FluidSynthPort early(fileDriver(soundFont, raw));
+        ASSERT_EQ(early.open(), kMidiOutOk);
+        early.send(0x643C90);
+    }
+    FluidSynthPort port(fileDriver(soundFont, raw));
     for (int round = 0; round < 2; ++round) {
         SCOPED_TRACE(round);
         ASSERT_EQ(port.open(), kMidiOutOk);
         EXPECT_EQ(port.failureReason(), "");
-        // Sent at once, possibly before the SoundFont is in: kept and played when it is.
         port.send(0xC0);
         port.send(0x643C90);
         EXPECT_TRUE(port.waitUntilReady(20000));
@@ -148,24 +125,6 @@ TEST(FluidSynthPort, PlaysThroughADriverWhileTheSoundFontLoadsBehind)
         port.reset();
         EXPECT_EQ(port.close(), kMidiOutOk);
         EXPECT_EQ(port.close(), kMidiOutInvalidHandle);
-    }
-    std::filesystem::remove(raw);
-}
-
-TEST(FluidSynthPort, DestroyedWhileTheSoundFontStillLoads)
-{
-    const std::string soundFont = findSoundFont();
-    if (soundFont.empty())
-        GTEST_SKIP() << "no General MIDI SoundFont installed";
-    const std::filesystem::path raw = scratchFile("early.raw");
-    FluidSynthPortOptions options;
-    options.soundFontPath = soundFont;
-    options.audioDrivers = {"file"};
-    options.driverSettings = {{"audio.file.name", raw.string()}, {"audio.file.type", "raw"}};
-    {
-        FluidSynthPort port(options);
-        ASSERT_EQ(port.open(), kMidiOutOk);
-        port.send(0x643C90);
     }
     std::filesystem::remove(raw);
 }

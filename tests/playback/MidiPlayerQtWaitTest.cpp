@@ -49,46 +49,35 @@ TEST_F(QtPlayerWaitTest, SleepsUntilTheDueTimeWithoutSpinning)
             wait.waitUntil(deadline);
             ++wakeUps;
         }
-        const auto late = std::chrono::steady_clock::now() - deadline;
-        EXPECT_LT(late, 40ms);
+        EXPECT_LT(std::chrono::steady_clock::now() - deadline, 40ms);
         EXPECT_LT(threadCpuMs() - cpuBefore, 15.0);
         EXPECT_LE(wakeUps, 3);
     }
 }
 
-TEST_F(QtPlayerWaitTest, AHandledEventEndsTheWaitEarly)
-{
-    for (Strategy strategy : {Strategy::TimerFd, Strategy::PreciseTimer, Strategy::BusyPoll}) {
-        SCOPED_TRACE(static_cast<int>(strategy));
-        QtPlayerWait wait(strategy);
-        bool handled = false;
-        QTimer::singleShot(0, [&] { handled = true; });
-        const auto start = std::chrono::steady_clock::now();
-        wait.waitUntil(start + 2s);
-        EXPECT_TRUE(handled);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, 1s);
-    }
-}
-
-// Buttons work while a piece plays: a stop from a timer's handler, nested in the player's wait.
+// Buttons work while a piece plays: a stop from a timer's handler, nested in the player's wait,
+// ends that wait at once and the event it waited for is not delivered.
 TEST_F(QtPlayerWaitTest, HandlersRunInsideThePlayersWait)
 {
     const MidiFile piece = testing::PieceBuilder().noteOn(0, 0, 60).noteOn(0, 100, 61).noteOn(0, 200, 62).build();
-    MonotonicClock clock;
-    QtPlayerWait wait;
-    MidiPlayer player(QtPlayerWait::playerClock(clock, wait));
-    player.resetPlayState();
-    player.setTheMidi(&piece);
-    int delivered = 0;
-    int done = 0;
-    player.msg = [&](uint8_t, uint8_t, uint8_t, int32_t) { ++delivered; };
-    player.donePB = [&] { ++done; };
-    QTimer::singleShot(40, [&] { player.stopPlaying(); });
-    player.play();
-    EXPECT_EQ(delivered, 1);
-    EXPECT_EQ(done, 1);
-    EXPECT_EQ(player.stopOffsetMSec_midi(), 100);
-    EXPECT_LT(clock.millis(), 100);
+    for (Strategy strategy : {Strategy::TimerFd, Strategy::PreciseTimer, Strategy::BusyPoll}) {
+        SCOPED_TRACE(static_cast<int>(strategy));
+        MonotonicClock clock;
+        QtPlayerWait wait(strategy);
+        MidiPlayer player(QtPlayerWait::playerClock(clock, wait));
+        player.resetPlayState();
+        player.setTheMidi(&piece);
+        int delivered = 0;
+        int done = 0;
+        player.msg = [&](uint8_t, uint8_t, uint8_t, int32_t) { ++delivered; };
+        player.donePB = [&] { ++done; };
+        QTimer::singleShot(40, [&] { player.stopPlaying(); });
+        player.play();
+        EXPECT_EQ(delivered, 1);
+        EXPECT_EQ(done, 1);
+        EXPECT_EQ(player.stopOffsetMSec_midi(), 100);
+        EXPECT_LT(clock.millis(), 100);
+    }
 }
 
 }  // namespace

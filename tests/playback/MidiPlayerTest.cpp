@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,8 +35,8 @@ protected:
         player.msg = [this](uint8_t status, uint8_t c1, uint8_t, int32_t absMSec) {
             log.push_back(std::to_string(clock.now()) + (status == 0x90 ? " n" : " s") + std::to_string(c1) + "@" +
                           std::to_string(absMSec));
-            if (onMsg)
-                onMsg(absMSec);
+            if (const auto it = afterEvent.find(absMSec); it != afterEvent.end())
+                it->second();
         };
         player.meta = [this](int16_t track, uint8_t type, const std::string& txt, int32_t absMSec) {
             log.push_back(std::to_string(clock.now()) + " meta" + std::to_string(track) + "." + std::to_string(type) +
@@ -50,65 +53,98 @@ protected:
         player.play();
     }
 
-    // Only the deliveries, without the silence alerts.
-    Log deliveries() const
-    {
-        Log out;
-        for (const std::string& line : log) {
-            if (line.rfind("silence", 0) != 0)
-                out.push_back(line);
-        }
-        return out;
-    }
-
     VirtualClock clock;
     MidiPlayer player{clock.playerClock()};
-    std::function<void(int32_t absMSec)> onMsg;
+    // Run by the handler after it heard the event at that absMS (a slow handler, a button...).
+    std::map<int32_t, std::function<void()>> afterEvent;
     Log log;
 };
 
-TEST_F(MidiPlayerTest, MergesTracksByTimeWithTheLowerTrackFirstOnEqualTimes)
+// Requests made before the play: settings, actions at clock times and actions of the handler.
+// Silence alerts are off unless a case asks for them.
+TEST_F(MidiPlayerTest, DeliversEachEventAtItsTime)
 {
-    const MidiFile piece = PieceBuilder()
-                               .noteOn(2, 100, 72)
-                               .noteOn(1, 50, 71)
-                               .noteOn(1, 100, 73)
-                               .noteOn(0, 100, 70)
-                               .noteOn(0, 150, 74)
-                               .build();
-    play(piece);
-    EXPECT_EQ(deliveries(), (Log{"50 n71@50", "100 n70@100", "100 n73@100", "100 n72@100", "150 n74@150", "done"}));
-}
-
-TEST_F(MidiPlayerTest, NothingButDonePBWhenThereIsNothingToPlay)
-{
-    const MidiFile piece = notesAt({0, 100, 200});
-    const MidiFile oneEmptyTrack;
     struct Case {
         const char* name;
-        const MidiFile* file;
-        int32_t start;
-    } cases[] = {
-        {"start past the last event", &piece, 201},
-        {"a file with one empty track", &oneEmptyTrack, 0},
-        {"no file", nullptr, 0},
+        std::optional<MidiFile> piece;
+        std::function<void()> requests;
+        Log expected;
+    };
+    const auto lateBy = [this](int32_t ms, float tolerance) {
+        return [this, ms, tolerance] {
+            player.setCatchUpTolerance(tolerance);
+            afterEvent[100] = [this, ms] { clock.advanceTo(200 + ms); };  // the event at 200 is found late
+        };
+    };
+    const Case cases[] = {
+        {"equal times in two tracks: the lower track first",
+         PieceBuilder().noteOn(2, 100, 72).noteOn(1, 50, 71).noteOn(1, 100, 73).noteOn(0, 100, 70).noteOn(0, 150, 74)
+             .build(),
+         [] {},
+         {"50 n71@50", "100 n70@100", "100 n73@100", "100 n72@100", "150 n74@150", "done"}},
+        {"start past the last event", notesAt({0, 100, 200}), [this] { player.setStartOffsetMSecMidi(201); }, {"done"}},
+        {"a file with one empty track", MidiFile(), [] {}, {"done"}},
+        {"no file", std::nullopt, [] {}, {"done"}},
+        {"a stop from a handler takes effect before the next event", notesAt({0, 100, 100, 200}),
+         [this] { afterEvent[100] = [this] { player.stopPlaying(); }; },
+         {"0 n60@0", "100 n61@100", "done"}},
+        {"speed 2 set halfway halves the intervals from the last delivered event",
+         notesAt({0, 100, 200, 300, 400, 500, 600, 800}),
+         [this] {
+             afterEvent[400] = [this] { player.setPlaySpeedRatio(2.0f); };
+             clock.at(230, [] {});  // the user interface handles something mid-wait: no effect on time
+         },
+         {"0 n60@0", "100 n61@100", "200 n62@200", "300 n63@300", "400 n64@400", "450 n65@500", "500 n66@600",
+          "600 n67@800", "done"}},
+        {"half speed from an offset: the first event at once, then the schedule stretched", notesAt({0, 100, 150, 300}),
+         [this] {
+             player.setPlaySpeedRatio(0.5f);
+             player.setStartOffsetMSecMidi(100);
+         },
+         {"0 n61@100", "100 n62@150", "400 n63@300", "done"}},
+        {"21 ms late catches up", notesAt({0, 100, 200, 300}), lateBy(21, 1.0f),
+         {"0 n60@0", "100 n61@100", "221 n62@200", "321 n63@300", "done"}},
+        {"20 ms late moves nothing", notesAt({0, 100, 200, 300}), lateBy(20, 1.0f),
+         {"0 n60@0", "100 n61@100", "220 n62@200", "300 n63@300", "done"}},
+        {"40 ms late with half tolerance", notesAt({0, 100, 200, 300}), lateBy(40, 0.5f),
+         {"0 n60@0", "100 n61@100", "240 n62@200", "320 n63@300", "done"}},
+        {"no tolerance, no catch-up", notesAt({0, 100, 200, 300}), lateBy(30, 0.0f),
+         {"0 n60@0", "100 n61@100", "230 n62@200", "300 n63@300", "done"}},
+        {"silence alerts before every event not yet due", notesAt({0, 100, 100, 250}),
+         [this] { player.setMinSilenceAlertMS(0); },
+         {"0 n60@0", "silence 100", "100 n61@100", "100 n62@100", "silence 150", "250 n63@250", "done"}},
+        {"silence alerts only for waits of at least the minimum", notesAt({0, 100, 100, 250}),
+         [this] { player.setMinSilenceAlertMS(120); },
+         {"0 n60@0", "100 n61@100", "100 n62@100", "silence 150", "250 n63@250", "done"}},
+        {"reposition onto an event while playing", notesAt({0, 100, 200, 300, 400, 500}),
+         [this] { clock.at(150, [this] { player.reposition(400); }); },
+         {"0 n60@0", "100 n61@100", "150 n64@400", "250 n65@500", "done"}},
+        {"reposition between two events while playing", notesAt({0, 100, 200, 300, 400, 500}),
+         [this] { clock.at(50, [this] { player.reposition(150); }); },
+         {"0 n60@0", "100 n62@200", "200 n63@300", "300 n64@400", "400 n65@500", "done"}},
+        {"a skip drops the rest of one silence", notesAt({0, 1000, 1100, 2100}),
+         [this] { clock.at(300, [this] { player.skipSilence(); }); },
+         {"0 n60@0", "300 n61@1000", "400 n62@1100", "1400 n63@2100", "done"}},
+        {"requests made while idle are lost", notesAt({0, 100, 200}),
+         [this] {
+             player.stopPlaying();
+             player.skipSilence();
+             player.reposition(150);
+         },
+         {"0 n60@0", "100 n61@100", "200 n62@200", "done"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
+        clock = VirtualClock();
         log.clear();
-        player.setStartOffsetMSecMidi(c.start);
-        player.setTheMidi(c.file);
+        afterEvent.clear();
+        player.resetPlayState();
+        player.setMinSilenceAlertMS(std::numeric_limits<int32_t>::max());
+        c.requests();
+        player.setTheMidi(c.piece ? &*c.piece : nullptr);
         player.play();
-        EXPECT_EQ(log, Log{"done"});
+        EXPECT_EQ(log, c.expected);
     }
-}
-
-TEST_F(MidiPlayerTest, StartsAtTheOffsetWithTheFirstEventDueAtOnce)
-{
-    clock.advanceTo(1000);
-    player.setStartOffsetMSecMidi(100);
-    play(notesAt({0, 100, 250}));
-    EXPECT_EQ(deliveries(), (Log{"1000 n61@100", "1150 n62@250", "done"}));
 }
 
 TEST_F(MidiPlayerTest, StopDuringAWaitLeavesTheEventForTheResume)
@@ -122,121 +158,7 @@ TEST_F(MidiPlayerTest, StopDuringAWaitLeavesTheEventForTheResume)
     log.clear();
     player.setStartOffsetMSecMidi(player.stopOffsetMSec_midi());
     player.play();
-    EXPECT_EQ(deliveries(), (Log{"50 n61@100", "150 n62@200", "done"}));
-}
-
-TEST_F(MidiPlayerTest, StopFromAHandlerTakesEffectAtTheNextEvent)
-{
-    onMsg = [this](int32_t absMSec) {
-        if (absMSec == 100)
-            player.stopPlaying();
-    };
-    play(notesAt({0, 100, 100, 200}));
-    EXPECT_EQ(deliveries(), (Log{"0 n60@0", "100 n61@100", "done"}));
-    EXPECT_EQ(player.stopOffsetMSec_midi(), 100);
-}
-
-TEST_F(MidiPlayerTest, SpeedSetHalfwayHalvesTheIntervalsFromTheLastDeliveredEvent)
-{
-    onMsg = [this](int32_t absMSec) {
-        if (absMSec == 400)
-            player.setPlaySpeedRatio(2.0f);
-    };
-    clock.at(230, [] {});  // the user interface handles something mid-wait: no effect on time
-    play(notesAt({0, 100, 200, 300, 400, 500, 600, 800}));
-    EXPECT_EQ(deliveries(), (Log{"0 n60@0", "100 n61@100", "200 n62@200", "300 n63@300", "400 n64@400",
-                                 "450 n65@500", "500 n66@600", "600 n67@800", "done"}));
-}
-
-TEST_F(MidiPlayerTest, SlowerSpeedFromAnOffsetStretchesTheWholeSchedule)
-{
-    player.setPlaySpeedRatio(0.5f);
-    player.setStartOffsetMSecMidi(100);
-    play(notesAt({0, 100, 150, 300}));
-    EXPECT_EQ(deliveries(), (Log{"0 n61@100", "100 n62@150", "400 n63@300", "done"}));
-}
-
-TEST_F(MidiPlayerTest, CatchUpMovesTheScheduleOnlyBeyondTwentyMsLate)
-{
-    struct Case {
-        int32_t lateMs;
-        float tolerance;
-        int32_t lastDeliveredAt;  // the event at 300 ms
-    } cases[] = {
-        {21, 1.0f, 321},
-        {20, 1.0f, 300},
-        {40, 0.5f, 320},
-        {30, 0.0f, 300},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE("late " + std::to_string(c.lateMs) + " ms, tolerance " + std::to_string(c.tolerance));
-        VirtualClock lateClock;
-        MidiPlayer p(lateClock.playerClock());
-        p.resetPlayState();
-        p.setCatchUpTolerance(c.tolerance);
-        Log heard;
-        p.msg = [&](uint8_t, uint8_t, uint8_t, int32_t absMSec) {
-            heard.push_back(std::to_string(lateClock.now()) + "@" + std::to_string(absMSec));
-            if (absMSec == 100)  // a slow handler: the event at 200 is found late
-                lateClock.advanceTo(200 + c.lateMs);
-        };
-        const MidiFile piece = notesAt({0, 100, 200, 300});
-        p.setTheMidi(&piece);
-        p.play();
-        const std::string late = std::to_string(200 + c.lateMs) + "@200";
-        EXPECT_EQ(heard, (Log{"0@0", "100@100", late, std::to_string(c.lastDeliveredAt) + "@300"}));
-    }
-}
-
-TEST_F(MidiPlayerTest, SilenceAlertsBeforeEveryWaitOfAtLeastTheMinimum)
-{
-    struct Case {
-        int32_t minimum;
-        Log expected;
-    } cases[] = {
-        {0, {"0 n60@0", "silence 100", "100 n61@100", "100 n62@100", "silence 150", "250 n63@250", "done"}},
-        {120, {"0 n60@0", "100 n61@100", "100 n62@100", "silence 150", "250 n63@250", "done"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE("minimum " + std::to_string(c.minimum));
-        VirtualClock fresh;
-        clock = fresh;
-        log.clear();
-        player.resetPlayState();
-        player.setMinSilenceAlertMS(c.minimum);
-        play(notesAt({0, 100, 100, 250}));
-        EXPECT_EQ(log, c.expected);
-    }
-}
-
-TEST_F(MidiPlayerTest, RepositionWhilePlayingGoesOnFromTheTargetWithoutDonePB)
-{
-    const MidiFile piece = notesAt({0, 100, 200, 300, 400, 500});
-    clock.at(150, [this] { player.reposition(400); });
-    play(piece);
-    EXPECT_EQ(deliveries(), (Log{"0 n60@0", "100 n61@100", "150 n64@400", "250 n65@500", "done"}));
-
-    log.clear();
-    player.setStartOffsetMSecMidi(0);
-    clock.at(clock.now() + 50, [this] { player.reposition(150); });
-    play(piece);
-    EXPECT_EQ(deliveries(), (Log{"250 n60@0", "350 n62@200", "450 n63@300", "550 n64@400", "650 n65@500", "done"}));
-}
-
-TEST_F(MidiPlayerTest, SkipDropsTheRestOfOneSilence)
-{
-    clock.at(300, [this] { player.skipSilence(); });
-    play(notesAt({0, 1000, 1100, 2100}));
-    EXPECT_EQ(deliveries(), (Log{"0 n60@0", "300 n61@1000", "400 n62@1100", "1400 n63@2100", "done"}));
-}
-
-TEST_F(MidiPlayerTest, RequestsMadeWhileIdleAreLost)
-{
-    player.stopPlaying();
-    player.skipSilence();
-    player.reposition(150);
-    play(notesAt({0, 100, 200}));
-    EXPECT_EQ(deliveries(), (Log{"0 n60@0", "100 n61@100", "200 n62@200", "done"}));
+    EXPECT_EQ(log, (Log{"50 n61@100", "silence 100", "150 n62@200", "done"}));
 }
 
 TEST_F(MidiPlayerTest, TextLikeMetaEventsAreRaisedAndTheRestConsumedSilently)
@@ -273,19 +195,6 @@ TEST_F(MidiPlayerTest, TimeArithmeticFaultsRaiseTheirErrors)
             EXPECT_EQ(e.number(), c.error);
         }
     }
-}
-
-TEST(MidiPlayerState, ANewPlayerTakesNoDelayAsCaughtUpUntilReset)
-{
-    VirtualClock clock;
-    MidiPlayer player(clock.playerClock());
-    EXPECT_EQ(player.catchUpTolerance(), 0.0f);
-    EXPECT_EQ(player.playSpeedRatio(), 1.0f);
-    player.setCatchUpTolerance(0.5f);
-    player.clear();
-    EXPECT_EQ(player.catchUpTolerance(), 0.5f);
-    player.resetPlayState();
-    EXPECT_EQ(player.catchUpTolerance(), 1.0f);
 }
 
 }  // namespace

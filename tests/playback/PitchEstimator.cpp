@@ -88,4 +88,13 @@ double fundamentalHz(std::span<const double> signal, double sampleRate, double m
     return best;
 }
 
+double stereoFundamentalHz(std::span<const float> interleaved, double sampleRate, double fromS, double toS)
+{
+    std::vector<double> mono;
+    const auto to = std::min(interleaved.size() / 2, static_cast<size_t>(toS * sampleRate));
+    for (auto frame = static_cast<size_t>(fromS * sampleRate); frame < to; ++frame)
+        mono.push_back(static_cast<double>(interleaved[2 * frame]) + interleaved[2 * frame + 1]);
+    return fundamentalHz(mono, sampleRate, 80, 1000);
+}
+
 }  // namespace tarabix::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <span>
 
 namespace tarabix::test {
@@ -10,5 +11,14 @@ namespace tarabix::test {
 // near that frequency gives the exact value: a string's slightly sharp upper partials do not
 // pull it.
 double fundamentalHz(std::span<const double> signal, double sampleRate, double minHz, double maxHz);
+
+// The fundamental (80 to 1000 Hz) of interleaved stereo samples from fromS to toS seconds, left and
+// right summed; the start skips the attack, where the tone is not yet steady.
+double stereoFundamentalHz(std::span<const float> interleaved, double sampleRate, double fromS, double toS);
+
+inline double centsBetween(double hz, double referenceHz)
+{
+    return 1200.0 * std::log2(hz / referenceHz);
+}
 
 }  // namespace tarabix::test

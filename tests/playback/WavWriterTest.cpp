@@ -1,31 +1,18 @@
+#include "TestFiles.h"
 #include "playback/WavWriter.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <unistd.h>
-
 namespace tarabix {
 namespace {
 
-std::string tempPath(const std::string& name)
-{
-    return (std::filesystem::temp_directory_path() / ("tarabix-" + std::to_string(getpid()) + "-" + name)).string();
-}
-
-std::string readBytes(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using test::readBytes;
+using test::scratchPath;
 
 TEST(WavWriter, WritesA16BitPcmFileByteForByte)
 {
-    const std::string path = tempPath("exact.wav");
-    const std::vector<float> samples = {0.0f, 1.0f, -1.0f, 0.5f, 2.0f, -0.25f};
-    ASSERT_TRUE(writeWavFile(path, samples, 44100, 2));
+    const std::string path = scratchPath("exact.wav");
+    ASSERT_TRUE(writeWavFile(path, std::vector<float>{0.0f, 1.0f, -1.0f, 0.5f, 2.0f, -0.25f}, 44100, 2));
     const std::string expected = std::string("RIFF\x30\0\0\0WAVEfmt \x10\0\0\0\x01\0\x02\0", 24) +
                                  std::string("\x44\xAC\0\0\x10\xB1\x02\0\x04\0\x10\0data\x0C\0\0\0", 20) +
                                  // 0, 32767, -32767, 16384 (half to even), 32767 (clipped), -8192
@@ -36,12 +23,11 @@ TEST(WavWriter, WritesA16BitPcmFileByteForByte)
 
 TEST(WavWriter, StreamsInPiecesAndFillsTheSizesAtClose)
 {
-    const std::string path = tempPath("pieces.wav");
+    const std::string path = scratchPath("pieces.wav");
     WavWriter writer;
     ASSERT_TRUE(writer.open(path, 22050, 1));
-    const std::vector<float> piece(1000, 0.1f);
     for (int i = 0; i < 3; ++i)
-        ASSERT_TRUE(writer.write(piece));
+        ASSERT_TRUE(writer.write(std::vector<float>(1000, 0.1f)));
     ASSERT_TRUE(writer.close());
     const std::string bytes = readBytes(path);
     ASSERT_EQ(bytes.size(), 44u + 6000u);
@@ -56,9 +42,9 @@ TEST(WavWriter, RefusesWhatItCannotWrite)
     EXPECT_FALSE(writer.open("/nonexistent-folder/out.wav", 44100, 2));
     EXPECT_NE(writer.error().find("/nonexistent-folder/out.wav"), std::string::npos);
     EXPECT_FALSE(writer.write(std::vector<float>{0.0f, 0.0f}));
-    EXPECT_FALSE(writer.open(tempPath("bad-format.wav"), 0, 2));
+    EXPECT_FALSE(writer.open(scratchPath("bad-format.wav"), 0, 2));
 
-    const std::string path = tempPath("partial.wav");
+    const std::string path = scratchPath("partial.wav");
     ASSERT_TRUE(writer.open(path, 44100, 2));
     EXPECT_FALSE(writer.write(std::vector<float>{0.0f, 0.0f, 0.0f}));
     EXPECT_EQ(writer.error(), "a partial frame of samples");
