@@ -26,21 +26,9 @@ TEST(cInifile, ReadsValuesLikeTheProfileCalls)
 {
     const test::TempFolder dir("ini_reads");
     const std::string path = dir.write("defs.ini",
-        "orphan=before any section\r\n"
-        "[Q_Rast]\r\n"
-        "  Name  =   Rast   \r\n"
-        "; name=commented out\r\n"
-        "quoted=\"  spaced  \"\r\n"
-        "half=\"open\r\n"
-        "inline=a ; not a comment\r\n"
-        "noequals\r\n"
-        "dup=first\r\n"
-        "dup=second\r\n"
-        "empty=\r\n"
-        "[q_rast]\r\n"
-        "late=hidden by the first section of that name\r\n"
-        "[last]\n"
-        "tab\t=\tlf line end");
+        "orphan=before any section\r\n[Q_Rast]\r\n  Name  =   Rast   \r\n; name=commented out\r\nquoted=\"  spaced  \"\r\n"
+        "half=\"open\r\ninline=a ; not a comment\r\nnoequals\r\ndup=first\r\ndup=second\r\nempty=\r\n"
+        "[q_rast]\r\nlate=hidden by the first section of that name\r\n[last]\ntab\t=\tlf line end");
     const std::tuple<const char*, const char*, const char*> cases[] = {
         {"q_rast", "name", "Rast"},       {"Q_RAST", "NAME", "Rast"},          {"q_rast", "; name", "(default)"},
         {"q_rast", "quoted", "  spaced  "}, {"q_rast", "half", "\"open"},     {"q_rast", "inline", "a ; not a comment"},
@@ -59,8 +47,7 @@ TEST(cInifile, ReadsValuesLikeTheProfileCalls)
     EXPECT_EQ(missing.Value(), "fallback");
     EXPECT_EQ(missing.LongValue(7), 7);
     EXPECT_TRUE(missing.EnumerateAllSections().empty());
-    cInifile folder = iniAt(dir.path(""), "q_rast", "name");
-    EXPECT_EQ(folder.Value(), "");
+    EXPECT_EQ(iniAt(dir.path(""), "q_rast", "name").Value(), "");  // a folder
 }
 
 TEST(cInifile, ValueAndDefaultAreCutToTheBuffer)
@@ -77,11 +64,8 @@ TEST(cInifile, ValueAndDefaultAreCutToTheBuffer)
 TEST(cInifile, LongValueTakesLeadingDigits)
 {
     const test::TempFolder dir("ini_long");
-    const std::string path = dir.write("n.ini",
-        "[n]\r\nplain=42\r\nneg=-7\r\ntail=12abc\r\nwords=abc\r\nempty=\r\nwrap=4294967297\r\n");
-    const std::pair<const char*, int32_t> cases[] = {
-        {"plain", 42}, {"neg", -7}, {"tail", 12}, {"words", 0}, {"empty", 99}, {"absent", 99}, {"wrap", 1},
-    };
+    const std::string path = dir.write("n.ini", "[n]\r\nplain=42\r\nneg=-7\r\ntail=12abc\r\nwords=abc\r\nempty=\r\nwrap=4294967297\r\n");
+    const std::pair<const char*, int32_t> cases[] = {{"plain", 42}, {"neg", -7}, {"tail", 12}, {"words", 0}, {"empty", 99}, {"absent", 99}, {"wrap", 1}};
     for (const auto& [key, expected] : cases)
         EXPECT_EQ(iniAt(path, "N", key).LongValue(99), expected) << key;
     // The number conversion of a whole text, unlike LongValue's leading digits.
@@ -92,8 +76,7 @@ TEST(cInifile, LongValueTakesLeadingDigits)
 TEST(cInifile, SectionListsKeepOrderAndTreatEmptyNamesApart)
 {
     const test::TempFolder dir("ini_lists");
-    const std::string path = dir.write("lists.ini",
-        "[zeta]\r\nb=1\r\n=empty key\r\n;comment=x\r\na=2\r\n[]\r\nx=1\r\n[Alpha]\r\n");
+    const std::string path = dir.write("lists.ini", "[zeta]\r\nb=1\r\n=empty key\r\n;comment=x\r\na=2\r\n[]\r\nx=1\r\n[Alpha]\r\n");
     cInifile ini = iniAt(path, "ZETA");
     EXPECT_EQ(ini.Sections(), "zeta\0\0Alpha\0"s);
     EXPECT_EQ(ini.EnumerateAllSections(), (std::vector<std::string>{"zeta", "Alpha"}));
@@ -111,8 +94,7 @@ TEST(cInifile, LongSectionListIsCutInsideItsLastName)
     for (int i = 0; i < 1000; ++i)
         text += "[section" + std::to_string(1000 + i) + "]\r\n";  // 12 characters each with the NUL
     const cInifile ini = iniAt(dir.write("many.ini", text));
-    const std::string packed = ini.Sections();
-    EXPECT_EQ(packed.size(), 8190u);
+    EXPECT_EQ(ini.Sections().size(), 8190u);
     const auto names = ini.EnumerateAllSections();
     ASSERT_EQ(names.size(), 682u);  // 8190 / 12: the 683rd name is cut and loses its NUL
     EXPECT_EQ(names.back(), "section1681");
@@ -123,38 +105,32 @@ TEST(cInifile, WritesAndDeletesKeepTheRestOfTheFile)
     const test::TempFolder dir("ini_writes");
     const std::string original = "; maqam definitions\n[q_rast]\nName = Rast\ncents=0\n\n[q_saba]\nname=Saba  ; keep me\n";
     const std::string path = dir.write("w.ini", original);
-    struct Case { const char* what; void (*edit)(cInifile&); std::string expected; };
+    // Operations: '=' writes the value, 'k' deletes the key, 's' deletes the section, 'i' writes the section's text.
+    struct Case { const char* what; char op; const char* section; const char* key; std::string value, expected; };
     const Case cases[] = {
-        {"replace value, key keeps its spelling",
-         [](cInifile& ini) { ini.setSection("Q_RAST"); ini.setKey("name"); ini.setValue("Rast 2"); },
+        {"replace value, key keeps its spelling", '=', "Q_RAST", "name", "Rast 2",
          "; maqam definitions\n[q_rast]\nName=Rast 2\ncents=0\n\n[q_saba]\nname=Saba  ; keep me\n"},
-        {"new key before the blank line",
-         [](cInifile& ini) { ini.setSection("q_rast"); ini.setKey("ipc"); ini.setValue("0,2"); },
+        {"new key before the blank line", '=', "q_rast", "ipc", "0,2",
          "; maqam definitions\n[q_rast]\nName = Rast\ncents=0\nipc=0,2\n\n[q_saba]\nname=Saba  ; keep me\n"},
-        {"new section at the end",
-         [](cInifile& ini) { ini.setSection("q_kurd"); ini.setKey("name"); ini.setValue("Kurd"); },
-         original + "[q_kurd]\nname=Kurd\n"},
-        {"NULs removed, not cut",
-         [](cInifile& ini) { ini.setSection("q_saba"); ini.setKey("x"); ini.setValue("a\0b\0\0c"s); },
-         original + "x=abc\n"},
-        {"delete key",
-         [](cInifile& ini) { ini.setSection("q_rast"); ini.setKey("NAME"); ini.DeleteKey(); },
-         "; maqam definitions\n[q_rast]\ncents=0\n\n[q_saba]\nname=Saba  ; keep me\n"},
-        {"delete section",
-         [](cInifile& ini) { ini.setSection("q_rast"); ini.DeleteSection(); },
-         "; maqam definitions\n[q_saba]\nname=Saba  ; keep me\n"},
-        {"writing a section's text removes it",
-         [](cInifile& ini) { ini.setSection("Q_Saba"); ini.setINISection("name=ignored"); },
-         "; maqam definitions\n[q_rast]\nName = Rast\ncents=0\n\n"},
-        {"deleting what is absent changes nothing",
-         [](cInifile& ini) { ini.setSection("q_rast"); ini.setKey("absent"); ini.DeleteKey(); },
-         original},
+        {"new section at the end", '=', "q_kurd", "name", "Kurd", original + "[q_kurd]\nname=Kurd\n"},
+        {"NULs removed, not cut", '=', "q_saba", "x", "a\0b\0\0c"s, original + "x=abc\n"},
+        {"delete key", 'k', "q_rast", "NAME", "", "; maqam definitions\n[q_rast]\ncents=0\n\n[q_saba]\nname=Saba  ; keep me\n"},
+        {"delete section", 's', "q_rast", "", "", "; maqam definitions\n[q_saba]\nname=Saba  ; keep me\n"},
+        {"writing a section's text removes it", 'i', "Q_Saba", "", "name=ignored", "; maqam definitions\n[q_rast]\nName = Rast\ncents=0\n\n"},
+        {"deleting what is absent changes nothing", 'k', "q_rast", "absent", "", original},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         dir.write("w.ini", original);
-        cInifile ini = iniAt(path);
-        c.edit(ini);
+        cInifile ini = iniAt(path, c.section, c.key);
+        if (c.op == '=')
+            ini.setValue(c.value);
+        else if (c.op == 'k')
+            ini.DeleteKey();
+        else if (c.op == 's')
+            ini.DeleteSection();
+        else
+            ini.setINISection(c.value);
         EXPECT_TRUE(ini.Success());
         EXPECT_NE(ini.LastReturnCode(), 0);
         EXPECT_EQ(dir.read("w.ini"), c.expected);

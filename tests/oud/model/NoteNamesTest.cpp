@@ -8,12 +8,9 @@ namespace {
 TEST(NoteNames, LetterNamesInBothSystems)
 {
     struct Case { int32_t index, system; const char* name; };
-    const Case cases[] = {
-        {0, kNamesWestern, "C"}, {5, kNamesWestern, "A"}, {6, kNamesWestern, "B"},
-        {7, kNamesWestern, "C"}, {13, kNamesWestern, "B"},
-        {0, kNamesSolfege, "Do"}, {4, kNamesSolfege, "Sol"}, {6, kNamesSolfege, "Si"},
-        {7, kNamesSolfege, ""}, {0, 2, ""}, {0, -1, ""}, {-1, kNamesWestern, ""},
-    };
+    const Case cases[] = {{0, kNamesWestern, "C"}, {5, kNamesWestern, "A"}, {6, kNamesWestern, "B"}, {7, kNamesWestern, "C"},
+        {13, kNamesWestern, "B"}, {0, kNamesSolfege, "Do"}, {4, kNamesSolfege, "Sol"}, {6, kNamesSolfege, "Si"},
+        {7, kNamesSolfege, ""}, {0, 2, ""}, {0, -1, ""}, {-1, kNamesWestern, ""}};
     for (const Case& c : cases)
         EXPECT_EQ(noteLetterName(c.index, c.system), c.name) << "index " << c.index << " system " << c.system;
 }
