@@ -1,6 +1,6 @@
 #include "settings/UserSettings.h"
 
-#include "TempFolder.h"
+#include "tests/common/TempFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "base/ReadWholeFile.h"
 #include "oud/model/mMaqams.h"
-#include "tests/settings/TempFolder.h"
+#include "tests/common/TempFolder.h"
 
 #include <gtest/gtest.h>
 
