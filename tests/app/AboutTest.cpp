@@ -1,6 +1,6 @@
 #include "app/fAbout.h"
 
-#include "Clicks.h"
+#include "DialogTesting.h"
 
 #include "app/AppIdentity.h"
 
@@ -14,15 +14,14 @@ namespace {
 
 TEST(AboutTest, ShowsTheIdentityAndTheToolsAndClosesOnOk)
 {
-    const AppIdentity identity;
-    fAbout dlg(identity);
+    fAbout dlg{AppIdentity()};
     dlg.show();
     EXPECT_EQ(dlg.windowTitle(), "About Tarabix 1.4");
     EXPECT_EQ(dlg.lblTitle->text(), "Tarabix 1.4");
-    EXPECT_TRUE(dlg.lblVersion->text().contains("1.4"));
-    EXPECT_TRUE(dlg.lblVersion->text().contains("03/03/2006"));
+    for (const char* text : {"1.4", "03/03/2006"})
+        EXPECT_TRUE(dlg.lblVersion->text().contains(QLatin1String(text))) << text;
     for (const char* tool : {"Qt", "FluidSynth", "RtMidi"})
-        EXPECT_TRUE(dlg.lblCredits->text().contains(QString::fromLatin1(tool))) << tool;
+        EXPECT_TRUE(dlg.lblCredits->text().contains(QLatin1String(tool))) << tool;
     test::click(dlg.cmdOK);
     EXPECT_FALSE(dlg.isVisible());
     EXPECT_EQ(dlg.result(), QDialog::Accepted);

@@ -1,6 +1,6 @@
 #include "app/fChannels.h"
 
-#include "Clicks.h"
+#include "DialogTesting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include "app/fMousePlay.h"
 
-#include "Clicks.h"
-#include "TempSettings.h"
+#include "DialogTesting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include "app/fNotesOpts.h"
 
-#include "Clicks.h"
-#include "TempSettings.h"
+#include "DialogTesting.h"
 
 #include <gtest/gtest.h>
 
@@ -75,8 +74,7 @@ TEST(NotesOptsTest, OkStoresAndReturnsOnlyTheChangedValuesCancelNothing)
         bool namesChanged;
     };
     const Case cases[] = {
-        {"nothing clicked", {}, true, {}, {0, 1, 2, 0, 1}, false, false},
-        {"the button already set", {{&fNotesOpts::optPlayNoMaq, 1}}, true, {}, {0, 1, 2, 0, 1}, false, false},
+        {"only the button already set", {{&fNotesOpts::optPlayNoMaq, 1}}, true, {}, {0, 1, 2, 0, 1}, false, false},
         {"played note with maqam to circle", {{&fNotesOpts::optPlayMaq, 1}}, true, {{"NotesPres_Play_Maqam", "2"}},
          {0, 1, 2, 0, 2}, true, false},
         {"static with maqam to names", {{&fNotesOpts::optMaqamStatic, 0}}, true, {{"NotesPres_Rest_Maqam", "1"}},
