@@ -145,6 +145,7 @@ private:
     void cmbMaqamStarts_Click();
     void refillTonicList(int32_t maqamIndex);
     void applyMaqamMarker(const std::string& text);
+    void applyMaqamMarker(MaqamMarker marker);
     void applyNotePresentation();
     void redrawFingerboard();
     void showRangeSide(int32_t side);
@@ -192,6 +193,7 @@ private:
     void fingerboardReleased(PicPointF point, Qt::MouseButton button);
     void waitPumping(int32_t ms);
     bool handleGridKey(QKeyEvent* event, bool down);
+    bool handHoldsNote() const;
 
     fMainEnvironment m_env;
     std::unique_ptr<UserSettings> m_settings;

@@ -5,7 +5,8 @@
 #include "app/AppIdentity.h"
 #include "app/WindowTexts.h"
 #include "midi/MzfContainer.h"
-#include "midi/StringStreamIn.h"
+#include "midi/PieceFile.h"
+#include "oud/model/PieceMaqam.h"
 #include "oud/view/UdPictureWidget.h"
 
 #include <QAction>
@@ -20,6 +21,27 @@
 #include <QSpinBox>
 
 namespace tarabix {
+
+namespace {
+
+// What the learner is told when a piece cannot be opened.
+QString openFailureText(const QString& path, const PieceReadResult& read)
+{
+    switch (read.fault) {
+    case PieceFault::BadMzf:
+        return read.status == mzf::kNotUsable
+                   ? QStringLiteral("The file <%1> is not a valid MZF file.").arg(path)
+                   : QStringLiteral("The file <%1> is not a valid music file.\r\n\r\nError %2").arg(path).arg(read.status);
+    case PieceFault::BadMidi:
+        return QStringLiteral("Could not read the contents of the music file. Error %1").arg(read.status);
+    case PieceFault::NoSuchFile:
+    case PieceFault::None:
+        break;
+    }
+    return QStringLiteral("The file <%1> does not exist.").arg(path);
+}
+
+}  // namespace
 
 void fMain::connectFileCommands()
 {
@@ -36,7 +58,9 @@ void fMain::cmdOpen_Click()
     stopPlaying();
     const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open file:"), appIdentity().path({QStringLiteral("samples")}),
-        QStringLiteral("Music Files (*.mid , *.mz?) (*.mid *.mz?);;All Files (*.*) (*)"));
+        QStringLiteral("Music Files (*.mid , *.mz?) (*.mid *.mz?);;All Files (*.*) (*)"), nullptr,
+        // The captions already name their patterns; the dialog must not add them a second time.
+        QFileDialog::HideNameFilterDetails);
     if (chosen.isEmpty())
         return;
     QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -56,57 +80,27 @@ void fMain::openFile(const QString& path, bool quiet)
 {
     m_currFile = path;
     QCoreApplication::processEvents();
-    const std::string file = QFile::encodeName(path).toStdString();
-
-    std::string midiBytes;
-    bool hasSheet = false;
-    const bool isMzf = isMzfPath(path.toStdString());
-    if (isMzf) {
-        const int32_t status = getMzfMidi(file, midiBytes, hasSheet);
-        if (status != 0) {
-            if (!quiet) {
-                QApplication::restoreOverrideCursor();
-                message(QMessageBox::Warning,
-                        status == mzf::kNotUsable
-                            ? QStringLiteral("The file <%1> is not a valid MZF file.").arg(path)
-                            : QStringLiteral("The file <%1> is not a valid music file.\r\n\r\nError %2").arg(path).arg(status));
-            }
-            showNoFile();
-            return;
-        }
-    }
 
     // A new piece; the old one lives on in the player's hands if it is still running.
     auto piece = std::make_shared<MidiFile>();
-    m_mf = piece;
-    if (!m_inPlay) {
-        m_player.clear();
-        m_player.setTheMidi(m_mf.get());
-    }
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    int32_t status;
-    if (isMzf) {
-        StringStreamIn stream;
-        stream.setFromString(std::move(midiBytes));
-        status = piece->readMidi(stream);
-    } else {
-        status = piece->readMidiFile(file);
-    }
-    if (status != 0) {
+    const PieceReadResult read = readPieceFile(QFile::encodeName(path).toStdString(), *piece);
+    if (!read.ok()) {
         QApplication::restoreOverrideCursor();
         m_mf = std::make_shared<MidiFile>();
         if (!m_inPlay)
             m_player.setTheMidi(m_mf.get());
         if (!quiet)
-            message(QMessageBox::Warning,
-                    QStringLiteral("Could not read the contents of the music file. Error %1").arg(status));
+            message(QMessageBox::Warning, openFailureText(path, read));
         showNoFile();
         return;
     }
-
-    m_hasSheet = hasSheet;
-    cmdSheet->setEnabled(hasSheet);
+    m_mf = piece;
+    if (!m_inPlay) {
+        m_player.clear();
+        m_player.setTheMidi(m_mf.get());
+    }
+    m_hasSheet = read.hasSheet;
+    cmdSheet->setEnabled(m_hasSheet);
     m_pieceLength = piece->allLastAbsMSec();
     {
         const QSignalBlocker block(sldPosition);
@@ -119,6 +113,9 @@ void fMain::openFile(const QString& path, bool quiet)
     lblFile->setToolTip(path);
     if (udMidiOctShift->value() != 0)
         udMidiOctShift->setValue(0);  // its change handler resets the device and the caption
+    // The piece's own maqam is on the fingerboard before it plays, not only once its marker is due.
+    if (const std::optional<MaqamMarker> marker = firstMaqamMarker(*piece, m_maqams))
+        applyMaqamMarker(*marker);
 }
 
 void fMain::closeFile()

@@ -27,7 +27,9 @@ const QColor kPlayColour(0xCE, 0xDC, 0x08);
 void colourList(QComboBox* list, QColor listColour, QColor highlight)
 {
     const QColor common(0xF0, 0xDE, 0xC8);
-    list->setStyleSheet(QStringLiteral("QComboBox { background: %1; }"
+    // combobox-popup: 0 makes the list a scrolled drop-down that keeps to maxVisibleItems, where
+    // some styles would otherwise open every row at once.
+    list->setStyleSheet(QStringLiteral("QComboBox { background: %1; combobox-popup: 0; }"
                                        "QComboBox QAbstractItemView { background: %2; color: white;"
                                        " selection-background-color: %3; selection-color: black; }")
                             .arg(common.name(), listColour.name(), highlight.name()));
@@ -83,6 +85,10 @@ void fMain::buildControls()
     lblRangeHigh->setToolTip(tr("The note is above the oud's range"));
     for (QLabel* l : {lblRangeLow, lblRangeHigh}) {
         l->setStyleSheet(QStringLiteral("color: rgb(192,0,0); font-size: 20px;"));
+        // The arrows come and go with the notes; their room stays, so the fingerboard never moves.
+        QSizePolicy policy = l->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        l->setSizePolicy(policy);
         l->setVisible(false);
     }
     fingerboardHost = new QWidget(central);
@@ -211,7 +217,7 @@ void fMain::buildMenus()
     mnu_Opts_Ontop = options->addAction(tr("Always on &top"));
     mnu_Opts_Ontop->setCheckable(true);
     options->addSeparator();
-    mnu_Opts_Devs = options->addAction(tr("MIDI &devices..."));
+    mnu_Opts_Devs = options->addAction(tr("Select/Test Midi Device..."));
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     mnu_Help_Contents = help->addAction(tr("&Contents"));

@@ -5,6 +5,7 @@
 #include "app/AppIdentity.h"
 #include "app/SheetPicture.h"
 #include "app/fAbout.h"
+#include "app/fHelp.h"
 #include "app/fChannels.h"
 #include "app/fMidiDevs.h"
 #include "app/fMousePlay.h"
@@ -15,11 +16,9 @@
 #include <QAction>
 #include <QButtonGroup>
 #include <QComboBox>
-#include <QDesktopServices>
 #include <QFile>
 #include <QFileInfo>
 #include <QPushButton>
-#include <QUrl>
 #include <QWindow>
 
 namespace tarabix {
@@ -150,7 +149,7 @@ void fMain::showHelp()
 {
     const QString page = appIdentity().path({QStringLiteral("help"), QStringLiteral("gereix.htm")});
     if (QFileInfo(page).isFile())
-        QDesktopServices::openUrl(QUrl::fromLocalFile(page));
+        fHelp::showPage(this, page);
     else
         message(QMessageBox::Warning, QStringLiteral("The help topic is not available."));
 }

@@ -174,12 +174,15 @@ void fMain::cmbMaqamStarts_Click()
 
 void fMain::applyMaqamMarker(const std::string& text)
 {
-    const std::optional<MaqamMarker> marker = m_maqams.parseMaqamMarker(text);
-    if (!marker)
-        return;
+    if (const std::optional<MaqamMarker> marker = m_maqams.parseMaqamMarker(text))
+        applyMaqamMarker(*marker);
+}
+
+void fMain::applyMaqamMarker(MaqamMarker marker)
+{
     // Both changes go through the lists' own handlers, as if the learner had chosen them.
-    cmbMaqams->setCurrentIndex(marker->index);
-    cmbMaqamStarts->setCurrentIndex(marker->tonic);
+    cmbMaqams->setCurrentIndex(marker.index);
+    cmbMaqamStarts->setCurrentIndex(marker.tonic);
 }
 
 void fMain::applyNotePresentation()

@@ -80,12 +80,17 @@ bool fMain::handleGridKey(QKeyEvent* event, bool down)
     const Qt::KeyboardModifiers mods = event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
     if (mods != Qt::NoModifier)
         return false;  // Ctrl+U and the menus' shortcuts stay theirs
+    // A key that closes a menu or list popup is that popup's, even once the popup has gone.
+    if (QApplication::activePopupWidget())
+        return false;
     const int key = event->key();
-    if (down && !event->isAutoRepeat()) {
-        if (key == Qt::Key_Escape || key == Qt::Key_Up)
-            shiftKeyboard(-1);
-        else if (key == Qt::Key_Down || isKeyLeftOfOne(*event))
-            shiftKeyboard(+1);
+    const bool rowsUp = key == Qt::Key_Escape || key == Qt::Key_Up;
+    const bool rowsDown = key == Qt::Key_Down || isKeyLeftOfOne(*event);
+    if (rowsUp || rowsDown) {
+        // Consumed whoever has the focus: a slider or list must not take the same press as well.
+        if (down && !event->isAutoRepeat())
+            shiftKeyboard(rowsUp ? -1 : +1);
+        return true;
     }
     const KeyGridCell cell = keyGridCell(*event);
     if (!cell.valid())
@@ -109,6 +114,17 @@ bool fMain::handleGridKey(QKeyEvent* event, bool down)
         stopNote(kHandChannel, pitch.note, pitch.cents, m_mkbPlayHilite);
     }
     return true;
+}
+
+bool fMain::handHoldsNote() const
+{
+    if (m_mouseNote >= 0)
+        return true;
+    for (const auto& column : m_keysDown)
+        for (bool down : column)
+            if (down)
+                return true;
+    return false;
 }
 
 void fMain::shiftKeyboard(int delta)

@@ -235,9 +235,11 @@ void fMain::m_mf_p_donePB()
     redrawFingerboard();
 }
 
-// Another program may want the MIDI device while ours is in the background: release it, and take
-// it back (programs and channel shifts restored) when the learner returns. Our own dialogs and
-// the sheet viewer keep it.
+// A system MIDI port may be wanted by another program while ours is in the background: it is let
+// go then, and taken back (programs and channel shifts restored) when the learner returns. Only
+// while nothing plays and no note is held, though: a learner reading the score or watching a lesson
+// beside the window must go on hearing the piece. The built-in synthesizer is ours alone and is
+// never let go. Our own dialogs and the sheet viewer keep the device.
 void fMain::tmrAct_Timer()
 {
     QWidget* active = QApplication::activeWindow();
@@ -245,7 +247,7 @@ void fMain::tmrAct_Timer()
     if (ours && !m_deviceHeld) {
         reopenMidiOut();
         m_deviceHeld = true;
-    } else if (!ours && m_deviceHeld) {
+    } else if (!ours && m_deviceHeld && getMidiDeviceId() != kMidiMapperId && !m_inPlay && !handHoldsNote()) {
         closeMidiOut();
         m_deviceHeld = false;
     }

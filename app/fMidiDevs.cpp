@@ -26,13 +26,19 @@ struct TestStep {
 constexpr uint32_t noteOn(uint32_t note) { return packShortMessage(0x90, note, 127); }
 constexpr uint32_t noteOff(uint32_t note) { return packShortMessage(0x80, note, 0); }
 
-// A rising triad on channel 1 with the first program: E, G, then a longer B.
+// A rising triad on channel 1 with the first program: E, G, then a longer B, left to ring out
+// before the test's output is let go.
 constexpr TestStep kTestNotes[] = {
     {packShortMessage(0xC0, 0, 0), 0},
     {noteOn(64), 250}, {noteOff(64), 0},
     {noteOn(67), 250}, {noteOff(67), 0},
-    {noteOn(71), 500}, {noteOff(71), 0},
+    {noteOn(71), 500}, {noteOff(71), 300},
 };
+
+// An output that cannot sound yet (the built-in synthesizer loading its SoundFont) is asked
+// again this often, for at most this long, before the first note.
+constexpr int kReadyPollMs = 20;
+constexpr int kReadyPolls = 30000 / kReadyPollMs;
 
 }  // namespace
 
@@ -129,6 +135,7 @@ void fMidiDevs::cmdTest_Click()
     lblStatus->hide();
     cmdTest->setEnabled(false);
     m_testStep = 0;
+    m_readyPolls = 0;
     playTestStep();
 }
 
@@ -136,6 +143,17 @@ void fMidiDevs::cmdTest_Click()
 // while the notes sound.
 void fMidiDevs::playTestStep()
 {
+    // Notes sent before the output can sound would be lost, or heard all at once when it can.
+    if (m_testPort && m_testStep == 0 && !m_testPort->isReady()) {
+        const std::string reason = m_testPort->failureReason();
+        if (!reason.empty() || ++m_readyPolls > kReadyPolls) {
+            showSilence(tr("This device gives no sound"), reason.empty() ? "it did not become ready" : reason);
+            endTest();
+        } else {
+            m_testTimer.start(kReadyPollMs);
+        }
+        return;
+    }
     while (m_testPort && m_testStep < std::size(kTestNotes)) {
         const TestStep& step = kTestNotes[m_testStep++];
         m_testPort->send(step.message);

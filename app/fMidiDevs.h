@@ -54,6 +54,7 @@ private:
     bool m_sharedClosed;
     std::unique_ptr<MidiOutPort> m_testPort;
     size_t m_testStep = 0;
+    int m_readyPolls = 0;
     QTimer m_testTimer;
 };
 

@@ -43,6 +43,7 @@ public:
     int32_t close() override;
     void send(uint32_t message) override;
     std::string failureReason() const override;
+    bool isReady() const override { return state() == State::Ready; }
 
     State state() const;
     // Blocks until the SoundFont is loaded or failed, at most timeoutMs; true when ready.

@@ -41,6 +41,9 @@ public:
     // because a device keeps notes held by the pedal through an all-notes-off.
     virtual void reset();
 
+    // True once what is sent is heard. An output may open before it can sound (the built-in
+    // synthesizer still loading its SoundFont); timed notes such as a test wait for this.
+    virtual bool isReady() const { return true; }
     // Why the last open failed, in words a dialog can show; empty after a successful open.
     virtual std::string failureReason() const { return {}; }
 };

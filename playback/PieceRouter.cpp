@@ -18,6 +18,9 @@ PieceRouter::PieceRouter()
 {
     m_enabled.fill(true);
     m_shown.fill(true);
+    // Channel 10 carries General MIDI percussion: a darbuka is heard, but its "notes" are drum
+    // sounds, not places on the oud.
+    m_shown[kPercussionChannel] = false;
 }
 
 void PieceRouter::resetChannelState()

@@ -15,13 +15,15 @@ namespace tarabix {
 class PieceRouter {
 public:
     static constexpr int kChannels = 16;
+    static constexpr int kPercussionChannel = 9;  // channel 10 as musicians count
 
     // Drawing the fingerboard is the window's business: it hears of every note-on and note-off of
     // a shown channel, with the shifted note and the channel's shift, just before the device does.
     std::function<void(int ch, int note, int32_t cents)> markNote;
     std::function<void(int ch, int note, int32_t cents)> unmarkNote;
 
-    // All channels enabled and shown, no shifts, nothing sounding, volume 127, octave shift 0.
+    // All channels enabled, all but the percussion channel shown, no shifts, nothing sounding,
+    // volume 127, octave shift 0.
     PieceRouter();
 
     void route(uint8_t status, uint8_t c1, uint8_t c2);

@@ -3,7 +3,7 @@
 #include "app/SheetPicture.h"
 #include "midi/MidiFile.h"
 #include "midi/MzfContainer.h"
-#include "midi/StringStreamIn.h"
+#include "midi/PieceFile.h"
 #include "oud/model/mMaqams.h"
 
 #include <gtest/gtest.h>
@@ -18,18 +18,11 @@ namespace {
 
 const std::filesystem::path kData = std::filesystem::path(TARABIX_SOURCE_DIR) / "data";
 
-// The piece's MIDI, from inside an MZF or from a plain .mid file.
+// The piece's MIDI, from inside an MZF or from a plain .mid file; 0 when it reads.
 int32_t readPiece(const std::string& path, MidiFile& file)
 {
-    if (!isMzfPath(path))
-        return file.readMidiFile(path);
-    std::string midi;
-    bool hasSheet = false;
-    if (const int32_t status = getMzfMidi(path, midi, hasSheet); status != 0)
-        return status;
-    StringStreamIn stream;
-    stream.setFromString(midi);
-    return file.readMidi(stream);
+    const PieceReadResult read = readPieceFile(path, file);
+    return read.ok() ? 0 : read.fault == PieceFault::NoSuchFile ? -1 : read.status;
 }
 
 // Every "Q:name/tonic" text of the piece, in all tracks.

@@ -2,15 +2,15 @@
 
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
+#include "midi/PieceFile.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <string>
-#include <system_error>
 
 namespace tarabix::cli {
 
-// Reads the file as the window does and writes its text dump byte for byte.
+// Reads the piece as the window does (an MZF file's MIDI part) and writes its text dump byte for
+// byte.
 int dump(const Args& args)
 {
     if (args.size() != 1) {
@@ -18,15 +18,14 @@ int dump(const Args& args)
         return 2;
     }
     const std::string& path = args[0];
-    // The reader creates a missing file, as the window's open flow relies on its own check first.
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) {
+    MidiFile file;
+    const PieceReadResult read = readPieceFile(path, file);
+    if (read.fault == PieceFault::NoSuchFile) {
         std::fprintf(stderr, "tarabix-cli dump: %s: no such file\n", path.c_str());
         return 1;
     }
-    MidiFile file;
-    if (const int32_t status = file.readMidiFile(path)) {
-        std::printf("STATUS %d\n", status);
+    if (!read.ok()) {
+        std::printf("STATUS %d\n", read.status);
         return 1;
     }
     std::string text;

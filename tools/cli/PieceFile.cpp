@@ -1,42 +1,16 @@
 #include "tools/cli/PieceFile.h"
 
-#include "midi/MidiFile.h"
-#include "midi/MzfContainer.h"
-#include "midi/StringStreamIn.h"
+#include "midi/PieceFile.h"
 
 #include <charconv>
-#include <filesystem>
-#include <system_error>
 
 namespace tarabix::cli {
 
 bool loadPiece(const std::string& path, MidiFile& piece, std::string& error)
 {
-    // The reader creates a missing file, as the window's open flow relies on its own check first.
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) {
-        error = path + ": no such file";
-        return false;
-    }
-    int32_t status = 0;
-    if (isMzfPath(path)) {
-        std::string midiBytes;
-        bool hasSheet = false;
-        if (getMzfMidi(path, midiBytes, hasSheet) != 0) {
-            error = path + ": not a usable MZF file";
-            return false;
-        }
-        StringStreamIn stream;
-        stream.setFromString(std::move(midiBytes));
-        status = piece.readMidi(stream);
-    } else {
-        status = piece.readMidiFile(path);
-    }
-    if (status != 0) {
-        error = path + ": cannot read the MIDI data (status " + std::to_string(status) + ")";
-        return false;
-    }
-    return true;
+    const PieceReadResult read = readPieceFile(path, piece);
+    error = pieceFaultText(path, read);
+    return read.ok();
 }
 
 std::optional<double> parseNumber(const std::string& text)
