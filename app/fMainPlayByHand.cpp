@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMenuBar>
 #include <QSpinBox>
 
 #include <thread>
@@ -51,7 +52,10 @@ bool fMain::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
         auto* widget = qobject_cast<QWidget*>(watched);
-        if (widget && widget->window() == this && widget != this) {
+        // The menu bar keeps its keys while the learner walks its menus: the Esc that closes a
+        // menu, or leaves the bar, moves no key rows.
+        const bool menuBar = qobject_cast<QMenuBar*>(watched) != nullptr;
+        if (widget && widget->window() == this && widget != this && !menuBar) {
             auto* key = static_cast<QKeyEvent*>(event);
             if (handleGridKey(key, event->type() == QEvent::KeyPress))
                 return true;
@@ -80,9 +84,6 @@ bool fMain::handleGridKey(QKeyEvent* event, bool down)
     const Qt::KeyboardModifiers mods = event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
     if (mods != Qt::NoModifier)
         return false;  // Ctrl+U and the menus' shortcuts stay theirs
-    // A key that closes a menu or list popup is that popup's, even once the popup has gone.
-    if (QApplication::activePopupWidget())
-        return false;
     const int key = event->key();
     const bool rowsUp = key == Qt::Key_Escape || key == Qt::Key_Up;
     const bool rowsDown = key == Qt::Key_Down || isKeyLeftOfOne(*event);

@@ -40,6 +40,7 @@ public:
     using fMain::cmdPlay;
     using fMain::cmdStop;
     using fMain::lblPieceTime;
+    using fMain::lblRangeHigh;
     using fMain::lblSpeed;
     using fMain::mnu_Help_Contents;
     using fMain::mnu_Opts_Delay_Opt;

@@ -2,6 +2,7 @@
 
 #include "DialogTesting.h"
 
+#include "base/TickSource.h"
 #include "playback/RecorderPort.h"
 #include "playback/mMidiMain.h"
 
@@ -157,6 +158,52 @@ TEST_F(MidiDevsTest, TestPlaysThreeNotesWithoutFreezingTheWindowAndStopsOnClose)
     EXPECT_EQ(words(kMidiMapperId), reopenWords());
     QTest::qWait(300);
     EXPECT_EQ(words(0).size(), 3u);
+}
+
+// An output that opens at once but sounds only later, as the built-in synthesizer does while it
+// loads its SoundFont.
+class LateReadyPort final : public MidiOutPort {
+public:
+    LateReadyPort(std::shared_ptr<MidiRecording> recording, int readyAfterMs)
+        : m_port(std::move(recording), [] { return tickMs(); }), m_readyAfterMs(readyAfterMs)
+    {
+    }
+    int32_t open() override
+    {
+        m_openedAt = tickMs();
+        return m_port.open();
+    }
+    int32_t close() override { return m_port.close(); }
+    void send(uint32_t message) override { m_port.send(message); }
+    bool isReady() const override { return tickMs() - m_openedAt >= m_readyAfterMs; }
+
+private:
+    RecorderPort m_port;
+    int m_readyAfterMs;
+    int32_t m_openedAt = 0;
+};
+
+TEST_F(MidiDevsTest, TestWaitsUntilItsOutputCanSoundAndKeepsTheNotesApart)
+{
+    static constexpr int kReadyAfterMs = 400;
+    auto recording = std::make_shared<MidiRecording>();
+    setMidiOutBackend({[] { return std::vector<std::string>{}; },
+                       [recording](int32_t) -> std::unique_ptr<MidiOutPort> {
+                           return std::make_unique<LateReadyPort>(recording, kReadyAfterMs);
+                       }});
+    fMidiDevs dlg(false);
+    dlg.show();
+    dlg.cmbMDevs->setCurrentIndex(0);
+    QSignalSpy finished(&dlg, &fMidiDevs::testFinished);
+    const int32_t pressedAt = tickMs();
+    test::click(dlg.cmdTest);
+    EXPECT_TRUE(recording->words().empty());  // nothing is thrown at an output that cannot sound
+
+    ASSERT_TRUE(finished.wait(5000));
+    const std::vector<RecordedMessage> sent = recording->messages();
+    ASSERT_EQ(sent.size(), 7u);
+    EXPECT_GE(sent[0].timeMs - pressedAt, kReadyAfterMs);
+    EXPECT_GE(sent[2].timeMs - sent[1].timeMs, 249);  // the first note keeps its length
 }
 
 TEST_F(MidiDevsTest, SaysWhyADeviceIsSilent)

@@ -1,6 +1,8 @@
 #include "MidiBytes.h"
 
+#include "midi/MidiFile.h"
 #include "midi/MzfContainer.h"
+#include "midi/PieceFile.h"
 
 #include <vector>
 
@@ -129,6 +131,40 @@ TEST(MzfFile, UnreadableFiles)
     std::string midi;
     bool hasSheet = false;
     EXPECT_EQ(getMzfMidi(dir / "missing.mzf", midi, hasSheet), mzf::kNotUsable);
+}
+
+// Every opener of a piece (the window, the command line) reads through readPieceFile.
+TEST(PieceFile, ReadsTheMidiOfEitherKindAndNeverCreatesAMissingFile)
+{
+    const TempDir dir;
+    const std::string midi = header(0, 1, 96) + trackChunk(bytes({0x00, 0x90, 0x3C, 0x64}) + kEndOfTrack);
+    struct Case { const char* name; std::string content; PieceFault fault; int32_t status; bool hasSheet; };
+    const Case cases[] = {
+        {"plain.mid", midi, PieceFault::None, 0, false},
+        {"piece.MZF", directory(2, {{1001, static_cast<int64_t>(midi.size())}, {2001, 1}}) + midi + "S",
+         PieceFault::None, 0, true},
+        {"broken.mzf", directory(0, {}) + "zzzz", PieceFault::BadMzf, mzf::kNotUsable, false},
+        {"notmidi.mzf", directory(1, {{1001, 4}}) + "RIFF", PieceFault::BadMidi, MidiFile::kNotAHeaderChunk, false},
+        {"text.mid", "hello", PieceFault::BadMidi, MidiFile::kNotAHeaderChunk, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        MidiFile piece;
+        const PieceReadResult read = readPieceFile(dir.write(c.name, c.content), piece);
+        EXPECT_EQ(read.fault, c.fault);
+        EXPECT_EQ(read.status, c.status);
+        EXPECT_EQ(read.hasSheet, c.hasSheet);
+        if (read.ok()) {
+            EXPECT_EQ(piece.tracks(0)->trkNEvents(), 2);
+        }
+    }
+    for (const char* missing : {"missing.mid", "missing.mzf"}) {
+        MidiFile piece;
+        EXPECT_EQ(readPieceFile(dir / missing, piece).fault, PieceFault::NoSuchFile);
+        EXPECT_FALSE(std::filesystem::exists(dir / missing)) << missing;
+    }
+    MidiFile piece;
+    EXPECT_EQ(readPieceFile(dir.path.string(), piece).fault, PieceFault::NoSuchFile);  // a folder
 }
 
 TEST(MzfPath, LastThreeCharactersInAnyCase)
