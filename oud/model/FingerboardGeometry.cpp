@@ -36,12 +36,12 @@ void normalizePitch(int32_t& note, int32_t& cents)
     cents = static_cast<int32_t>(c);
 }
 
-double stopFraction(int32_t quarterTones)
+double stopFraction(double quarterTones)
 {
     return 1.0 - 1.0 / std::pow(2.0, quarterTones / 24.0);
 }
 
-PicPoint stopPoint(PicPoint nut, PicPoint end, int32_t quarterTones)
+PicPoint stopPoint(PicPoint nut, PicPoint end, double quarterTones)
 {
     if (quarterTones == 0)
         return nut;

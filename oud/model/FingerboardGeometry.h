@@ -57,15 +57,16 @@ struct NotePitch {
 void normalizePitch(int32_t& note, int32_t& cents);
 
 // Fraction of the whole sounding length (nut to bridge) between the nut and the stop that sounds
-// `quarterTones` above the open string.
-double stopFraction(int32_t quarterTones);
+// `quarterTones` above the open string (a fraction of a quarter tone for pitches off the grid).
+double stopFraction(double quarterTones);
 
 // stopFraction of the seventh semitone: the playing zone drawn from nut to end point.
 double zoneLength();
 
 // The point of the stop `quarterTones` above the open string on the string drawn from `nut` to
-// `end` (the end of the seven-semitone zone), halves rounded to even.
-PicPoint stopPoint(PicPoint nut, PicPoint end, int32_t quarterTones);
+// `end` (the end of the seven-semitone zone), halves rounded to even. Every place the fingerboard
+// shows comes from here: the position table, pitches between its entries and the key labels.
+PicPoint stopPoint(PicPoint nut, PicPoint end, double quarterTones);
 
 // How many cents above the open string a stop at zone fraction t sounds (the inverse of
 // zoneFraction, in cents, rounded halves to even). Empty where t lies beyond any real stop.

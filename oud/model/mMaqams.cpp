@@ -173,11 +173,18 @@ std::optional<MaqamMarker> mMaqams::parseMaqamMarker(std::string_view text) cons
     const auto tonic = textToInt32(text.substr(slash + 1));
     if (!tonic || *tonic < 0 || *tonic > 11)
         return std::nullopt;
-    const std::string_view name = text.substr(2, slash - 2);
+    const int32_t index = findMaqam(text.substr(2, slash - 2));
+    if (index == 0)
+        return std::nullopt;
+    return MaqamMarker{index, *tonic};
+}
+
+int32_t mMaqams::findMaqam(std::string_view name) const
+{
     for (int32_t index = 1; index <= maqamCount(); ++index)
         if (equalsNoCase(m_maqams[static_cast<size_t>(index - 1)].name, name))
-            return MaqamMarker{index, *tonic};
-    return std::nullopt;
+            return index;
+    return 0;
 }
 
 std::optional<MaqamMarker> mMaqams::applyMaqamMarker(std::string_view text)

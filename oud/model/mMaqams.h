@@ -42,6 +42,8 @@ public:
     // The twelve tonic choices (pitch class 0 = C first) spelled for this maqam.
     std::array<SpelledNote, 12> maqamTonics(int32_t index) const;
     const MaqamRec* maqamAt(int32_t index) const;
+    // The index of the maqam called `name` in any letter case, or 0 when there is none.
+    int32_t findMaqam(std::string_view name) const;
 
     // Makes maqam `index` current on `tonic` (a pitch class); an index outside 1 .. maqamCount()
     // selects no maqam.

@@ -14,6 +14,15 @@ const std::string& caption(const TuningRec& rec, int32_t nameSystem)
     return nameSystem == kNamesWestern ? rec.name : rec.nameSolfege;
 }
 
+// The quarter-tone pitch number nearest a pitch given in cents above MIDI note 0 (halves to
+// even); -1 outside the position table.
+int32_t nearestQuarterTone(int64_t totalCents)
+{
+    const int64_t q = totalCents % 50 == 0 ? totalCents / 50
+                                           : static_cast<int64_t>(roundHalfEven(static_cast<double>(totalCents) / 50.0));
+    return q >= 0 && q < kPositionCount ? static_cast<int32_t>(q) : -1;
+}
+
 }  // namespace
 
 mUdCtrl::mUdCtrl()
@@ -95,24 +104,45 @@ void mUdCtrl::applyTuning(int32_t id, int32_t octShift)
         onRestorePicture();
 }
 
+// Strings need not be strung in ascending pitch (a bass string beside the highest course): the
+// range ends are looked for. Ties go to the first lowest and the last highest string, which are
+// string 0 and the top string on an oud strung in ascending order.
+size_t mUdCtrl::lowestString() const
+{
+    size_t low = 0;
+    for (size_t s = 1; s < static_cast<size_t>(m_curNumStrings); ++s)
+        if (m_curStringPitch[s] < m_curStringPitch[low])
+            low = s;
+    return low;
+}
+
+size_t mUdCtrl::highestString() const
+{
+    size_t high = 0;
+    for (size_t s = 1; s < static_cast<size_t>(m_curNumStrings); ++s)
+        if (m_curStringPitch[s] >= m_curStringPitch[high])
+            high = s;
+    return high;
+}
+
 int32_t mUdCtrl::lowestNote() const
 {
-    return m_curStringPitch[0];
+    return m_curStringPitch[lowestString()];
 }
 
 int32_t mUdCtrl::lowestCents() const
 {
-    return m_curStringCents[0];
+    return m_curStringCents[lowestString()];
 }
 
 int32_t mUdCtrl::highestNote() const
 {
-    return m_curStringPitch[static_cast<size_t>(std::max(m_curNumStrings - 1, 0))] + 7;
+    return m_curStringPitch[highestString()] + 7;
 }
 
 int32_t mUdCtrl::highestCents() const
 {
-    return m_curStringCents[static_cast<size_t>(std::max(m_curNumStrings - 1, 0))];
+    return m_curStringCents[highestString()];
 }
 
 void mUdCtrl::setOrientation(int32_t newValue, bool redrawMarks)
@@ -134,8 +164,9 @@ int32_t mUdCtrl::buildPositionTable()
 {
     m_posTable.fill(PositionEntry{});
     m_tableStatus = 0;
-    // Strings go up in order, so where two strings share a pitch the higher string, nearer the
-    // nut, keeps it: that is where an oud player takes it.
+    // Where two strings can stop a pitch, the one that stops it nearer the nut keeps it (an open
+    // string first): that is where an oud player takes it. On a tie the higher-numbered string keeps
+    // it. On an oud strung in ascending order this is always the higher string.
     for (int32_t s = 0; s < m_curNumStrings; ++s) {
         const size_t si = static_cast<size_t>(s);
         const int32_t pitch = m_curStringPitch[si];
@@ -147,8 +178,11 @@ int32_t mUdCtrl::buildPositionTable()
         const PicPoint b = m_curStringB[si];
         const size_t q0 = static_cast<size_t>(2 * pitch);
         for (int32_t j = 0; j <= kZoneQuarterTones; ++j) {
+            PositionEntry& entry = m_posTable[q0 + static_cast<size_t>(j)];
+            if (entry.string >= 0 && quarterTonesAbove(entry.string, 2 * pitch + j) < j)
+                continue;
             const PicPoint at = stopPoint(a, b, j);
-            m_posTable[q0 + static_cast<size_t>(j)] = {at.x, at.y, s};
+            entry = {at.x, at.y, s};
         }
     }
     return m_tableStatus;
@@ -169,21 +203,53 @@ PositionEntry mUdCtrl::positionAt(int32_t q) const
     return m_posTable[static_cast<size_t>(q)];
 }
 
+std::optional<PitchPlace> mUdCtrl::placeOfPitch(int32_t note, int32_t cents) const
+{
+    const int64_t total = int64_t{100} * note + cents;
+    const int32_t q = nearestQuarterTone(total);
+    const PositionEntry entry = positionAt(q);
+    if (!entry.playable())
+        return std::nullopt;
+    if (total % 50 == 0)
+        return PitchPlace{{entry.x, entry.y}, entry.string};
+    const size_t s = static_cast<size_t>(entry.string);
+    const int64_t centsAboveOpen = total - int64_t{100} * m_curStringPitch[s];
+    if (centsAboveOpen < 0 || centsAboveOpen > 50 * kZoneQuarterTones)
+        return std::nullopt;
+    return PitchPlace{stopPoint(m_curStringA[s], m_curStringB[s], static_cast<double>(centsAboveOpen) / 50.0),
+                      entry.string};
+}
+
+int32_t mUdCtrl::quarterTonesAbove(int32_t string, int32_t q) const
+{
+    return q - 2 * m_curStringPitch[static_cast<size_t>(string)];
+}
+
+int32_t mUdCtrl::fingerAtEntry(int32_t q) const
+{
+    const PositionEntry entry = positionAt(q);
+    if (!entry.playable())
+        return -1;
+    const int32_t steps = quarterTonesAbove(entry.string, q);
+    const int32_t semitones = steps / 2;
+    const bool quarter = steps % 2 != 0;
+    if (semitones == 0)
+        return quarter ? 1 : 0;
+    if (semitones == 3)
+        return quarter ? 4 : 3;
+    return std::min(semitones, 4);
+}
+
 int32_t mUdCtrl::fingerFor(int32_t note, bool quarter) const
 {
     if (note < 0 || note > (kPositionCount - 1) / 2)
         return -1;
-    const PositionEntry entry = m_posTable[static_cast<size_t>(2 * note)];
-    if (!entry.playable())
-        return -1;
-    const int32_t d = note - m_curStringPitch[static_cast<size_t>(entry.string)];
-    if (d < 0)
-        return -1;
-    if (d == 0)
-        return quarter ? 1 : 0;
-    if (d == 3)
-        return quarter ? 4 : 3;
-    return std::min(d, 4);
+    return fingerAtEntry(2 * note + (quarter ? 1 : 0));
+}
+
+int32_t mUdCtrl::fingerForPitch(int32_t note, int32_t cents) const
+{
+    return fingerAtEntry(nearestQuarterTone(int64_t{100} * note + cents));
 }
 
 FoundPitch mUdCtrl::pitchAtPoint(PicPointF point, bool snapToQuarterTones, double radius) const

@@ -35,6 +35,13 @@ struct FoundPitch {
     bool found() const { return note != -1 || cents != -1; }
 };
 
+// Where a pitch is stopped: its point in the picture as currently oriented, and the string.
+struct PitchPlace {
+    PicPoint point;
+    int32_t string = -1;
+    bool operator==(const PitchPlace&) const = default;
+};
+
 struct GridCell {
     int32_t row = 0;
     int32_t column = 0;
@@ -73,6 +80,8 @@ public:
     const std::array<int32_t, kMaxStrings>& curStringPitch() const { return m_curStringPitch; }
     const std::array<int32_t, kMaxStrings>& curStringCents() const { return m_curStringCents; }
 
+    // The range of the instrument: the lowest open string to the seventh semitone of the highest
+    // one, whichever strings they are.
     int32_t lowestNote() const;
     int32_t lowestCents() const;
     int32_t highestNote() const;
@@ -96,8 +105,16 @@ public:
     // position table shows that pitch on; empty for an absent string.
     std::optional<PicPoint> stringStopPoint(int32_t string, int32_t quarterTones) const;
 
+    // Where `note` shifted by `cents` is stopped; empty off the fingerboard. A pitch on the
+    // quarter-tone grid (cents a multiple of 50, either sign) takes its own position-table entry, so
+    // (64, -50) lies where (63, 50) does; any other pitch lies on the string of its nearest entry, by
+    // the same fret-spacing law as the table.
+    std::optional<PitchPlace> placeOfPitch(int32_t note, int32_t cents) const;
+
     // Finger that stops `note` (plus a quarter tone when `quarter`): 0 open string .. 4, -1 none.
     int32_t fingerFor(int32_t note, bool quarter) const;
+    // The finger of the place of `note` shifted by `cents` (its nearest quarter tone's).
+    int32_t fingerForPitch(int32_t note, int32_t cents) const;
     // Mouse hit-testing on the picture as currently oriented (radius 8.0 in the window).
     FoundPitch pitchAtPoint(PicPointF point, bool snapToQuarterTones, double radius) const;
     // Computer-keyboard grid: row 0 is the string nearest the top of the shown picture.
@@ -105,6 +122,12 @@ public:
                                int32_t orientation, bool skipTopString) const;
 
 private:
+    // How many quarter tones quarter-tone pitch q lies above the open string of `string`.
+    int32_t quarterTonesAbove(int32_t string, int32_t q) const;
+    int32_t fingerAtEntry(int32_t q) const;
+    size_t lowestString() const;
+    size_t highestString() const;
+
     std::vector<TuningRec> m_tunings;
     int32_t m_curTuningId = -1;
     int32_t m_curTuneOctShift = 0;

@@ -4,13 +4,11 @@
 
 #include <QPainter>
 
-#include <cmath>
 
 namespace tarabix {
 
 namespace {
 
-constexpr int32_t kOctaves = 10;
 constexpr int32_t kLetterGap = 2;
 const QColor kHighlightFrame(192, 0, 0);
 const QColor kRestingFrame(221, 190, 165);
@@ -49,15 +47,7 @@ void UdDisplay::followMaqams(const mMaqams* maqams)
 
 RestingScale UdDisplay::restingScale() const
 {
-    if (!m_maqams)
-        return m_scale;
-    RestingScale scale;
-    scale.maqamSelected = m_maqams->isMaqamSelected();
-    if (scale.maqamSelected) {
-        scale.pitchClass = m_maqams->curMaqam().ipc;
-        scale.cents = m_maqams->curMaqam().cents;
-    }
-    return scale;
+    return m_maqams ? restingScaleOf(*m_maqams) : m_scale;
 }
 
 bool UdDisplay::ready() const
@@ -87,29 +77,10 @@ void UdDisplay::restorePicture()
 
 std::optional<PicPoint> UdDisplay::pointOfPitch(int32_t note, int32_t cents) const
 {
-    if (!ready() || note < 0 || 2 * int64_t{note} + 1 >= kPositionCount)
+    if (!ready())
         return std::nullopt;
-    const PositionEntry home = m_model->positionAt(2 * note);
-    if (cents == 0 || cents == 50) {
-        const PositionEntry e = cents == 0 ? home : m_model->positionAt(2 * note + 1);
-        if (e.x < 0)
-            return std::nullopt;
-        return PicPoint{e.x, e.y};
-    }
-    if (home.x < 0)
-        return std::nullopt;
-    // Shifts other than a quarter tone are placed along the string by their own fraction of the
-    // sounding length; unlike the table this is not stretched to the drawn zone, so they sit
-    // nearer the nut than a table entry of the same pitch would.
-    const size_t s = static_cast<size_t>(home.string);
-    const double d = (double(note) - m_model->curStringPitch()[s]) * 100.0 + cents;
-    const double f = 1.0 - std::pow(2.0, -d / 1200.0);
-    const PicPoint a = m_model->curStringA()[s];
-    const PicPoint b = m_model->curStringB()[s];
-    const PicPoint p{halfEven((b.x - a.x) * f + a.x), halfEven((b.y - a.y) * f + a.y)};
-    if (p.x < 0)
-        return std::nullopt;
-    return p;
+    const auto place = m_model->placeOfPitch(note, cents);
+    return place ? std::optional<PicPoint>(place->point) : std::nullopt;
 }
 
 QRect UdDisplay::circleMarkRect(PicPoint centre) const
@@ -140,7 +111,7 @@ int32_t UdDisplay::drawCircleMark(int32_t note, int32_t cents, bool alsoOnRestin
     const auto point = pointOfPitch(note, cents);
     if (!point)
         return 0;
-    const int32_t cell = scaleMark ? kRestingMarkCell : m_model->fingerFor(note, cents != 0);
+    const int32_t cell = scaleMark ? kRestingMarkCell : m_model->fingerForPitch(note, cents);
     if (cell < 0 || cell >= kMarkCellCount)
         return 0;
     const MarkRecord& r = m_res.marks[static_cast<size_t>(cell)];
@@ -245,19 +216,20 @@ void UdDisplay::redrawResting()
 {
     m_picUdClone = m_picUdCloneUnmarked.copy();
     m_picUd = m_picUdCloneUnmarked.copy();
-    m_batching = true;
     const RestingScale scale = restingScale();
-    const bool maqam = scale.maqamSelected;
-    const int32_t mode = maqam ? m_presentation.restMaqam : m_presentation.restNoMaqam;
-    const int32_t degrees = maqam ? 7 : 12;
-    for (int32_t d = 0; d < degrees && ready() && mode != kPresNothing; ++d) {
-        const int32_t pc = maqam ? scale.pitchClass[static_cast<size_t>(d)] : d;
-        const int32_t cents = maqam ? scale.cents[static_cast<size_t>(d)] : 0;
-        const SpelledNote spelling = m_speller ? m_speller(pc, cents) : SpelledNote{-1, kNatural};
-        for (int32_t k = 0; k < kOctaves; ++k)
-            drawResting(mode, pc + 12 * k, cents, spelling);
+    const int32_t mode = scale.maqamSelected ? m_presentation.restMaqam : m_presentation.restNoMaqam;
+    if (ready() && mode != kPresNothing) {
+        // Each degree is spelled once; its octaves share the spelling.
+        std::array<SpelledNote, 12> spellings{};
+        for (int32_t d = 0; d < scale.degreeCount(); ++d) {
+            const NotePitch pitch = scale.degree(d);
+            spellings[static_cast<size_t>(d)] = m_speller ? m_speller(pitch.note, pitch.cents) : SpelledNote{-1, kNatural};
+        }
+        m_batching = true;
+        for (const RestingMark& mark : restingMarks(*m_model, scale))
+            drawResting(mode, mark.note, mark.cents, spellings[static_cast<size_t>(mark.degree)]);
+        m_batching = false;
     }
-    m_batching = false;
     changed(m_picUd.rect());
 }
 

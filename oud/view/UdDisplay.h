@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oud/model/NoteNames.h"
+#include "oud/model/RestingMarks.h"
 #include "oud/model/mMaqams.h"
 #include "oud/model/mUdCtrl.h"
 #include "oud/view/UdResources.h"
@@ -26,14 +27,6 @@ struct NotePresentation {
     int32_t playNoMaqam = kPresCircles;
     int32_t playMaqam = kPresCircles;
     int32_t nameSystem = kNamesWestern;
-};
-
-// The scale shown at rest: the seven degrees of the selected maqam (pitch classes already moved to
-// the tonic, with each degree's shift in cents), or the twelve semitones when none is selected.
-struct RestingScale {
-    bool maqamSelected = false;
-    std::array<int32_t, 7> pitchClass{};
-    std::array<int32_t, 7> cents{};
 };
 
 // How a pitch is spelled in the current maqam context.
@@ -77,9 +70,6 @@ public:
     // Every mark dropped: the clean picture on the resting and displayed layers.
     void restorePicture();
 
-    // Where a pitch is drawn in the picture as currently oriented; empty when off the fingerboard.
-    std::optional<PicPoint> pointOfPitch(int32_t note, int32_t cents) const;
-
     int32_t drawCircleMark(int32_t note, int32_t cents, bool alsoOnResting, bool scaleMark);
     void eraseCircleMark(int32_t note, int32_t cents);
     int32_t drawNameLabel(int32_t note, int32_t cents, bool highlighted, int32_t letter, int32_t accidental,
@@ -99,6 +89,8 @@ public:
 
 private:
     bool ready() const;
+    // The model's place of the pitch; empty off the fingerboard or before the model has a tuning.
+    std::optional<PicPoint> pointOfPitch(int32_t note, int32_t cents) const;
     int32_t playMode() const;
     void changed(const QRect& rect);
     void copyRestingToDisplayed(const QRect& rect);

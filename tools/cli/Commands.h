@@ -13,5 +13,6 @@ int devices(const Args& args);
 int dump(const Args& args);
 int play(const Args& args);
 int render(const Args& args);
+int scale(const Args& args);
 
 }  // namespace tarabix::cli

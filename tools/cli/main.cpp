@@ -20,6 +20,8 @@ constexpr Command kCommands[] = {
      tarabix::cli::play},
     {"render", "render FILE -o OUT.wav  write the piece as audio (--speed R, --octave N, --volume V)",
      tarabix::cli::render},
+    {"scale", "scale MAQAM TONIC    the places of a maqam's notes (--tuning ID, --view 0..3, --names western|solfege)",
+     tarabix::cli::scale},
 };
 
 int usage(std::FILE* out)

@@ -18,6 +18,9 @@ struct DisplayRig {
         if (tuned)
             tuneUsualOud(model);
     }
+
+    // Where the model places a pitch that lies on the fingerboard.
+    PicPoint pointOf(int32_t note, int32_t cents) const { return model.placeOfPitch(note, cents).value().point; }
 };
 
 }  // namespace tarabix::test

@@ -23,11 +23,11 @@ QRect changedArea(const QImage& a, const QImage& b)
 
 QRect marksArea(const Rig& rig) { return changedArea(rig.display.picUd(), rig.display.picUdClone()); }
 
-// Where a pitch with a shift other than 0 or 50 cents is drawn: its own fraction of the sounding
-// length along the string, not stretched to the drawn zone.
+// Where a pitch `centsAboveOpen` above the open string of s is stopped: by the fret-spacing law,
+// as a fraction of the drawn seven-semitone zone.
 PicPoint shiftedPoint(size_t s, double centsAboveOpen)
 {
-    const double f = 1.0 - std::pow(2.0, -centsAboveOpen / 1200.0);
+    const double f = (1.0 - std::pow(2.0, -centsAboveOpen / 1200.0)) / (1.0 - std::pow(2.0, -7.0 / 12.0));
     return {static_cast<int32_t>(std::nearbyint((kStringEnd[s].x - kStringNut[s].x) * f + kStringNut[s].x)),
             static_cast<int32_t>(std::nearbyint((kStringEnd[s].y - kStringNut[s].y) * f + kStringNut[s].y))};
 }
@@ -40,8 +40,11 @@ TEST(UdDisplay, AMarkIsCentredOnThePointOfItsPitch)
         {72, 0, kStringEnd[5]},                         // seventh semitone on the top string
         {45, 0, kStringNut[1]},                         // A2 goes to string 1, not string 0
         {50, 50, {quarterAbove.x, quarterAbove.y}},     // the quarter tone above uses its own table entry
-        {50, 25, shiftedPoint(2, 25.0)},                // shifts outside the table
+        {51, -50, {quarterAbove.x, quarterAbove.y}},    // and so does the quarter tone below the next note
+        {52, -50, shiftedPoint(2, 150.0)},              // E half-flat: three quarter tones up the D string
+        {50, 25, shiftedPoint(2, 25.0)},                // shifts off the quarter-tone grid
         {52, 75, shiftedPoint(2, 275.0)},
+        {55, -30, shiftedPoint(2, 470.0)},              // nearest quarter tone 54.5 is on the D string
     };
     for (const auto& [note, cents, expected] : cases) {
         SCOPED_TRACE(std::to_string(note) + "/" + std::to_string(cents));
@@ -59,7 +62,7 @@ TEST(UdDisplay, FingersPickTheirOwnMark)
     std::set<QRgb> centres;
     for (const auto& [note, cents] : {std::pair{50, 0}, {52, 0}, {53, 0}, {53, 50}}) {
         rig.display.drawCircleMark(note, cents, false, false);
-        const PicPoint p = *rig.display.pointOfPitch(note, cents);
+        const PicPoint p = rig.pointOf(note, cents);
         centres.insert(rig.display.picUd().pixel(p.x, p.y));
     }
     EXPECT_EQ(centres.size(), 4u);
@@ -93,7 +96,7 @@ TEST(UdDisplay, LabelsFramedAndFilledByState)
         SCOPED_TRACE(highlighted);
         Rig rig;
         ASSERT_EQ(rig.display.drawNameLabel(52, 0, highlighted, 2, kQuarterFlat, false), 1);
-        const PicPoint p = *rig.display.pointOfPitch(52, 0);
+        const PicPoint p = rig.pointOf(52, 0);
         const QRect box = rig.display.labelRect(p);
         EXPECT_TRUE(box.contains(p.x, p.y));
         const QImage& shown = rig.display.picUd();
@@ -164,16 +167,13 @@ TEST(UdDisplay, RestingRastOnCMarksItsSevenDegreesOnly)
     rig.display.setRestingScale(rast);
     rig.display.redrawResting();
 
-    // Expected points worked out here from the table and the string segments.
+    // Each degree at the table entry of the quarter tone it sounds: E half-flat at 2 x E - 1.
     std::vector<PicPoint> expected;
     for (int32_t k = 0; k < 10; ++k) {
         for (size_t d = 0; d < 7; ++d) {
-            const int32_t note = rast.pitchClass[d] + 12 * k;
-            const PositionEntry e = rig.model.positionAt(2 * note);
-            const size_t s = static_cast<size_t>(e.string);
+            const PositionEntry e = rig.model.positionAt(2 * (rast.pitchClass[d] + 12 * k) + rast.cents[d] / 50);
             if (e.playable())
-                expected.push_back(rast.cents[d] == 0 ? PicPoint{e.x, e.y}
-                                                      : shiftedPoint(s, (note - rig.model.curStringPitch()[s]) * 100.0 + rast.cents[d]));
+                expected.push_back({e.x, e.y});
         }
     }
     ASSERT_GT(expected.size(), 10u);
@@ -192,6 +192,25 @@ TEST(UdDisplay, RestingRastOnCMarksItsSevenDegreesOnly)
     EXPECT_EQ(stray, 0);
 }
 
+TEST(UdDisplay, APlayedQuarterToneCoversItsRestingLabel)
+{
+    // Rast on C: a piece or the mouse sounds E half-flat as D + 150 cents. Its highlighted label
+    // must lie exactly over the resting E half-flat label and read the same.
+    mMaqams maqams;
+    ASSERT_EQ(maqams.loadMaqams(TARABIX_SOURCE_DIR "/data/maqams.ini"), "");
+    maqams.selectMaqam(maqams.findMaqam("rast"), 0);
+    Rig played, expected;
+    for (Rig* rig : {&played, &expected}) {
+        rig->display.setPresentation({.restMaqam = kPresNames, .playMaqam = kPresNames});
+        rig->display.followMaqams(&maqams);
+        rig->display.redrawResting();
+    }
+    played.display.noteOnDisplay(51, 50, true);
+    EXPECT_EQ(marksArea(played), played.display.labelRect(played.pointOf(52, -50)));
+    expected.display.drawNameLabel(52, -50, true, 2, kQuarterFlat, false);  // "E" and the half-flat sign
+    EXPECT_EQ(played.display.picUd(), expected.display.picUd());
+}
+
 TEST(UdDisplay, RestingNamesWithoutAMaqamSpellEveryPitchClass)
 {
     Rig rig;
@@ -204,7 +223,7 @@ TEST(UdDisplay, RestingNamesWithoutAMaqamSpellEveryPitchClass)
     });
     rig.display.redrawResting();
     EXPECT_EQ(spelled, 12);  // each pitch class once, not once per octave
-    const PicPoint g = *rig.display.pointOfPitch(55, 0);
+    const PicPoint g = rig.pointOf(55, 0);
     EXPECT_EQ(rig.display.picUd().pixel(rig.display.labelRect(g).topLeft()), qRgb(221, 190, 165));
 }
 
@@ -237,7 +256,7 @@ TEST(UdDisplay, FollowsTheCurrentMaqam)
     EXPECT_EQ(std::make_tuple(scale.maqamSelected, scale.pitchClass[0], scale.cents[2]), std::make_tuple(true, 2, -50));
     // A sounding note is now a highlighted label, not a circle.
     rig.display.noteOnDisplay(54, 0, true);
-    const QRect box = rig.display.labelRect(*rig.display.pointOfPitch(54, 0));
+    const QRect box = rig.display.labelRect(rig.pointOf(54, 0));
     EXPECT_EQ(rig.display.picUd().pixel(box.topLeft()), qRgb(192, 0, 0));
 }
 

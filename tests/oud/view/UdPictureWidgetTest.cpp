@@ -58,7 +58,7 @@ TEST(UdPictureWidget, ShowsTheMarkWhereItWasDrawn)
 {
     WidgetRig rig({1486, 376});
     rig.display.drawCircleMark(52, 0, false, false);
-    const PicPoint p = *rig.display.pointOfPitch(52, 0);
+    const PicPoint p = rig.pointOf(52, 0);
     const QImage shown = rig.widget.grab().toImage();
     // Across the mark's square the window must look like the marked layer, not the resting one.
     const QRect mark = rig.widget.toWidget(rig.display.circleMarkRect(p)).adjusted(4, 4, -4, -4);
