@@ -14,15 +14,6 @@ const std::string& caption(const TuningRec& rec, int32_t nameSystem)
     return nameSystem == kNamesWestern ? rec.name : rec.nameSolfege;
 }
 
-// The quarter-tone pitch number nearest a pitch given in cents above MIDI note 0 (halves to
-// even); -1 outside the position table.
-int32_t nearestQuarterTone(int64_t totalCents)
-{
-    const int64_t q = totalCents % 50 == 0 ? totalCents / 50
-                                           : static_cast<int64_t>(roundHalfEven(static_cast<double>(totalCents) / 50.0));
-    return q >= 0 && q < kPositionCount ? static_cast<int32_t>(q) : -1;
-}
-
 }  // namespace
 
 mUdCtrl::mUdCtrl()
@@ -203,21 +194,39 @@ PositionEntry mUdCtrl::positionAt(int32_t q) const
     return m_posTable[static_cast<size_t>(q)];
 }
 
+int32_t mUdCtrl::entryOfPitch(int64_t totalCents) const
+{
+    if (totalCents % 50 == 0) {
+        const int64_t q = totalCents / 50;
+        return q >= 0 && q < kPositionCount && m_posTable[static_cast<size_t>(q)].playable() ? static_cast<int32_t>(q) : -1;
+    }
+    // Off the grid: the string of the nearest quarter tone, unless the pitch falls just below its
+    // nut (or past its zone); then the other neighbour's string, where it is still stopped.
+    const int64_t below = totalCents >= 0 ? totalCents / 50 : (totalCents - 49) / 50;
+    const int64_t nearest = static_cast<int64_t>(roundHalfEven(static_cast<double>(totalCents) / 50.0));
+    for (const int64_t q : {nearest, nearest == below ? below + 1 : below}) {
+        const PositionEntry entry = positionAt(q >= 0 && q < kPositionCount ? static_cast<int32_t>(q) : -1);
+        if (!entry.playable())
+            continue;
+        const int64_t centsAboveOpen = totalCents - int64_t{100} * m_curStringPitch[static_cast<size_t>(entry.string)];
+        if (centsAboveOpen >= 0 && centsAboveOpen <= 50 * kZoneQuarterTones)
+            return static_cast<int32_t>(q);
+    }
+    return -1;
+}
+
 std::optional<PitchPlace> mUdCtrl::placeOfPitch(int32_t note, int32_t cents) const
 {
     const int64_t total = int64_t{100} * note + cents;
-    const int32_t q = nearestQuarterTone(total);
-    const PositionEntry entry = positionAt(q);
-    if (!entry.playable())
+    const int32_t q = entryOfPitch(total);
+    if (q < 0)
         return std::nullopt;
+    const PositionEntry entry = m_posTable[static_cast<size_t>(q)];
     if (total % 50 == 0)
         return PitchPlace{{entry.x, entry.y}, entry.string};
     const size_t s = static_cast<size_t>(entry.string);
-    const int64_t centsAboveOpen = total - int64_t{100} * m_curStringPitch[s];
-    if (centsAboveOpen < 0 || centsAboveOpen > 50 * kZoneQuarterTones)
-        return std::nullopt;
-    return PitchPlace{stopPoint(m_curStringA[s], m_curStringB[s], static_cast<double>(centsAboveOpen) / 50.0),
-                      entry.string};
+    const double quarterTonesAboveOpen = static_cast<double>(total - int64_t{100} * m_curStringPitch[s]) / 50.0;
+    return PitchPlace{stopPoint(m_curStringA[s], m_curStringB[s], quarterTonesAboveOpen), entry.string};
 }
 
 int32_t mUdCtrl::quarterTonesAbove(int32_t string, int32_t q) const
@@ -249,7 +258,7 @@ int32_t mUdCtrl::fingerFor(int32_t note, bool quarter) const
 
 int32_t mUdCtrl::fingerForPitch(int32_t note, int32_t cents) const
 {
-    return fingerAtEntry(nearestQuarterTone(int64_t{100} * note + cents));
+    return fingerAtEntry(entryOfPitch(int64_t{100} * note + cents));
 }
 
 FoundPitch mUdCtrl::pitchAtPoint(PicPointF point, bool snapToQuarterTones, double radius) const

@@ -107,13 +107,13 @@ public:
 
     // Where `note` shifted by `cents` is stopped; empty off the fingerboard. A pitch on the
     // quarter-tone grid (cents a multiple of 50, either sign) takes its own position-table entry, so
-    // (64, -50) lies where (63, 50) does; any other pitch lies on the string of its nearest entry, by
-    // the same fret-spacing law as the table.
+    // (64, -50) lies where (63, 50) does; any other pitch lies on the string of its nearest entry
+    // that reaches it, by the same fret-spacing law as the table.
     std::optional<PitchPlace> placeOfPitch(int32_t note, int32_t cents) const;
 
     // Finger that stops `note` (plus a quarter tone when `quarter`): 0 open string .. 4, -1 none.
     int32_t fingerFor(int32_t note, bool quarter) const;
-    // The finger of the place of `note` shifted by `cents` (its nearest quarter tone's).
+    // The finger of the place of `note` shifted by `cents` (of the entry whose string it lies on).
     int32_t fingerForPitch(int32_t note, int32_t cents) const;
     // Mouse hit-testing on the picture as currently oriented (radius 8.0 in the window).
     FoundPitch pitchAtPoint(PicPointF point, bool snapToQuarterTones, double radius) const;
@@ -125,6 +125,9 @@ private:
     // How many quarter tones quarter-tone pitch q lies above the open string of `string`.
     int32_t quarterTonesAbove(int32_t string, int32_t q) const;
     int32_t fingerAtEntry(int32_t q) const;
+    // The position-table entry whose string stops a pitch given in cents above MIDI note 0; -1 off
+    // the fingerboard.
+    int32_t entryOfPitch(int64_t totalCents) const;
     size_t lowestString() const;
     size_t highestString() const;
 

@@ -111,11 +111,17 @@ TEST(FingerboardPlaces, APitchLiesWhereItsSoundingQuarterToneIsStopped)
     for (const NotePitch off : {NotePitch{41, -10}, {40, 50}, {72, 10}, {72, 50}, {-1, 0}, {127, 99}, {INT32_MAX, INT32_MIN}})
         EXPECT_FALSE(ud.placeOfPitch(off.note, off.cents)) << off.note << "/" << off.cents;
 
-    // The finger is the one of the place: E half-flat three quarter tones up the D string is the first.
-    const std::pair<NotePitch, int32_t> fingers[] = {
-        {{52, -50}, 1}, {{51, 50}, 1}, {{64, -50}, 4}, {{45, -50}, 4}, {{50, 10}, 0}, {{50, 30}, 1}, {{72, 50}, -1}};
-    for (const auto& [pitch, finger] : fingers)
-        EXPECT_EQ(ud.fingerForPitch(pitch.note, pitch.cents), finger) << pitch.note << "/" << pitch.cents;
+    // The string and finger are those of the place: E half-flat three quarter tones up the D string
+    // is the first finger; 10 cents under the open D is stopped on the A string, by the fourth.
+    const std::tuple<NotePitch, int32_t, int32_t> fingers[] = {
+        {{52, -50}, 2, 1}, {{51, 50}, 2, 1}, {{64, -50}, 4, 4}, {{45, -50}, 0, 4}, {{50, 10}, 2, 0},
+        {{50, 30}, 2, 1}, {{50, -10}, 1, 4}, {{72, -10}, 5, 4}};
+    for (const auto& [pitch, string, finger] : fingers) {
+        SCOPED_TRACE(testing::Message() << pitch.note << "/" << pitch.cents);
+        EXPECT_EQ(ud.placeOfPitch(pitch.note, pitch.cents).value_or(PitchPlace{}).string, string);
+        EXPECT_EQ(ud.fingerForPitch(pitch.note, pitch.cents), finger);
+    }
+    EXPECT_EQ(ud.fingerForPitch(72, 50), -1);
 }
 
 // For every shipped maqam on every tonic, in every view and for the usual oud and both tunings with

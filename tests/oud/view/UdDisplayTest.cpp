@@ -45,6 +45,7 @@ TEST(UdDisplay, AMarkIsCentredOnThePointOfItsPitch)
         {50, 25, shiftedPoint(2, 25.0)},                // shifts off the quarter-tone grid
         {52, 75, shiftedPoint(2, 275.0)},
         {55, -30, shiftedPoint(2, 470.0)},              // nearest quarter tone 54.5 is on the D string
+        {50, -10, shiftedPoint(1, 490.0)},              // just under the open D: on the A string
     };
     for (const auto& [note, cents, expected] : cases) {
         SCOPED_TRACE(std::to_string(note) + "/" + std::to_string(cents));
