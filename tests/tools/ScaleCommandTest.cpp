@@ -34,11 +34,6 @@ CliRun runCli(const std::string& arguments, bool errors = false)
     return run;
 }
 
-bool holds(const std::vector<std::string>& lines, const std::string& line)
-{
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
-
 TEST(ScaleCommand, RastOnCOnTheUsualOud)
 {
     // The half-flat degrees lie three quarter tones up their strings, a quarter of the drawn zone
@@ -54,7 +49,7 @@ TEST(ScaleCommand, RastOnCOnTheUsualOud)
         const CliRun run = runCli("scale rast 0 --tuning 0 " + c.options);
         ASSERT_EQ(run.exitCode, 0);
         for (const std::string& line : c.lines)
-            EXPECT_TRUE(holds(run.lines, line)) << line;
+            EXPECT_NE(std::find(run.lines.begin(), run.lines.end(), line), run.lines.end()) << line;
         // Every degree from F2 to C5 once, lowest first.
         EXPECT_EQ(run.lines.size(), 19u);
         EXPECT_EQ(run.lines.front().substr(0, 5), "41,0,");
