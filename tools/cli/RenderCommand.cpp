@@ -73,6 +73,11 @@ int render(const Args& args)
         std::fprintf(stderr, "tarabix-cli render: %s\n", error.c_str());
         return 1;
     }
+    if (options.fromMs > piece.allLastAbsMSec()) {
+        std::fprintf(stderr, "tarabix-cli render: --from %.3f s is past the end of the piece (%.3f s)\n",
+                     options.fromMs / 1000.0, piece.allLastAbsMSec() / 1000.0);
+        return 2;
+    }
     const auto started = std::chrono::steady_clock::now();
     const PieceRenderResult result = renderPieceToWav(piece, output, options);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
