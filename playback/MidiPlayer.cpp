@@ -5,7 +5,6 @@
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 
-
 namespace tarabix {
 
 namespace {

@@ -78,7 +78,7 @@ struct ControllerHistory {
 
 struct ChannelHistory {
     std::array<ControllerHistory, 128> controllers;
-    // The parameter data entry goes to: the selection made last, registered or not.
+    // Data entry goes to the parameter selected last, registered or non-registered.
     bool registeredSelected = true;
 
     // Data entered before the moment goes to the parameter selected then; none while the

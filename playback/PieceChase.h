@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace tarabix {
@@ -23,7 +24,6 @@ struct ParameterChase {
     uint8_t lsb = 0;
     int16_t dataMsb = -1;  // -1: not entered
     int16_t dataLsb = -1;
-    bool operator==(const ParameterChase&) const = default;
 };
 
 // How one channel stands at a moment of the piece, from the channel messages before it.
