@@ -217,6 +217,9 @@ private:
     bool m_playing = false;
     bool m_paused = false;
     bool m_inPlay = false;  // MidiPlayer::play is on the stack
+    // Where Resume starts: where the pause stopped the piece, or where the position slider was
+    // moved to since.
+    int32_t m_resumeFromMs = 0;
     bool m_positionUpdatesSuspended = false;
     bool m_settingButtons = false;
     int32_t m_startDelayMs = 0;

@@ -30,6 +30,7 @@ void fMain::connectTransport()
         m_mf_p_meta(track, type, txt, absMSec);
     };
     m_player.donePB = [this] { m_mf_p_donePB(); };
+    m_player.chase = [this](int32_t fromMs) { m_router.startFrom(m_player.theMidi(), fromMs); };
     m_player.setTheMidi(m_mf.get());
 
     // The fingerboard follows the piece's notes on shown channels; the mark goes up before the
@@ -125,7 +126,7 @@ void fMain::cmdPause_Toggled(bool down)
     }
     if (!m_currFile.isEmpty() && !m_inPlay) {
         setButtonDown(cmdPlay, true);
-        startPlaying(m_player.stopOffsetMSec_midi());
+        startPlaying(m_resumeFromMs);
     }
 }
 
@@ -147,7 +148,6 @@ void fMain::startPlaying(int32_t fromMs)
     m_paused = false;
     m_player.resetPlayState();
     sldSpeedR_Change(sldSpeedR->value(), true);
-    m_router.resetChannelState();
     m_player.setCatchUpTolerance(m_catchUpTolerance);
     m_player.setStartOffsetMSecMidi(fromMs);
     m_inPlay = true;
@@ -189,6 +189,8 @@ void fMain::sldPosition_Change(int seconds)
     midiOutReset();
     if (m_playing)
         m_player.reposition(seconds * 1000);
+    else if (m_paused)
+        m_resumeFromMs = seconds * 1000;
 }
 
 void fMain::sldSpeedR_Change(int value, bool settled)
@@ -226,7 +228,9 @@ void fMain::m_mf_p_meta(int16_t, uint8_t metaType, const std::string& txt, int32
 void fMain::m_mf_p_donePB()
 {
     setButtonDown(cmdPlay, false);
-    if (!m_paused) {
+    if (m_paused) {
+        m_resumeFromMs = m_player.stopOffsetMSec_midi();
+    } else {
         lblPieceTime->setText(pieceTimeText(0));
         const QSignalBlocker block(sldPosition);
         sldPosition->setValue(0);

@@ -5,8 +5,6 @@
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 
-#include <algorithm>
-
 namespace tarabix {
 
 namespace {
@@ -63,7 +61,7 @@ MidiPlayer::MidiPlayer(PlayerClock clock) : m_clock(std::move(clock))
 void MidiPlayer::setTheMidi(const MidiFile* midi)
 {
     m_theMidi = midi;
-    m_nextEvent.assign(midi ? static_cast<size_t>(midi->numOfTracks()) : 0, 0);
+    m_merged = MergedTracks(midi);
 }
 
 void MidiPlayer::setPlaySpeedRatio(float ratio)
@@ -82,7 +80,7 @@ void MidiPlayer::reposition(int32_t absMSec)
 void MidiPlayer::clear()
 {
     m_theMidi = nullptr;
-    m_nextEvent.clear();
+    m_merged = MergedTracks();
     m_stopRequested = false;
     m_skipRequested = false;
     m_repositionRequested = false;
@@ -109,23 +107,24 @@ void MidiPlayer::resetPlayState()
 void MidiPlayer::play()
 {
     int32_t start = m_startOffsetMSecMidi;
-    m_nextEvent.assign(m_theMidi ? static_cast<size_t>(m_theMidi->numOfTracks()) : 0, 0);
+    m_merged = MergedTracks(m_theMidi);
 
     bool restart = true;
     while (restart) {
         restart = false;
-        std::fill(m_nextEvent.begin(), m_nextEvent.end(), 0);
         m_stopRequested = m_skipRequested = m_repositionRequested = false;
-        seek(start);
+        m_merged.seek(start);
+        if (chase)
+            chase(start);
         // The clock time of piece time 0 at the current speed, so that `start` is due now.
         int32_t timeBase =
             sub(m_clock.now(), nearest(realMsSinceReference(start) + static_cast<double>(m_refRealMs)));
 
         for (;;) {
-            const int32_t track = chooseNextTrack();
+            const int32_t track = m_merged.nextTrack();
             if (track < 0)
                 break;
-            const MidiEvent& event = m_theMidi->tracks(track)->trkEvents(m_nextEvent[track]);
+            const MidiEvent& event = m_merged.nextEvent(track);
             const int32_t due = dueTime(event.absMS, timeBase);
             m_currentDueMs = due;
             const int32_t late = sub(m_clock.now(), due);
@@ -147,41 +146,11 @@ void MidiPlayer::play()
                 break;
             }
             deliver(track, event);
-            ++m_nextEvent[track];
+            m_merged.advance(track);
         }
     }
     if (donePB)
         donePB();
-}
-
-// Events before the start are skipped entirely, channel settings included: the owner restores
-// the channels' state itself.
-void MidiPlayer::seek(int32_t start)
-{
-    for (size_t t = 0; t < m_nextEvent.size(); ++t) {
-        const MidiTrack* track = m_theMidi->tracks(static_cast<int32_t>(t));
-        int32_t& i = m_nextEvent[t];
-        while (i < track->trkNEvents() && track->trkEvents(i).absMS < start)
-            ++i;
-    }
-}
-
-// Only a strictly earlier event replaces the choice, so on equal times the lowest track wins.
-int32_t MidiPlayer::chooseNextTrack() const
-{
-    int32_t best = -1;
-    int32_t bestMs = 0;
-    for (size_t t = 0; t < m_nextEvent.size(); ++t) {
-        const MidiTrack* track = m_theMidi->tracks(static_cast<int32_t>(t));
-        if (m_nextEvent[t] >= track->trkNEvents())
-            continue;
-        const int32_t ms = track->trkEvents(m_nextEvent[t]).absMS;
-        if (best < 0 || ms < bestMs) {
-            best = static_cast<int32_t>(t);
-            bestMs = ms;
-        }
-    }
-    return best;
 }
 
 // Real ms from the last speed change to piece time pieceMs at the current speed.

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "midi/MergedTracks.h"
 #include "playback/PlayerClock.h"
 
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace tarabix {
 
@@ -26,6 +26,11 @@ public:
     std::function<void(int16_t track, uint8_t metaType, const std::string& txt, int32_t absMSec)> meta;
     std::function<void()> donePB;
     std::function<void(int32_t silenceTimeMS)> silenceAlert;
+    // Raised at every start and every reposition, before the first event from fromMs is handed
+    // over: the events before fromMs are skipped, so the owner brings the channels to the state
+    // the piece has at that moment (programs, controllers, pitch wheels) and forgets what it
+    // thought was sounding.
+    std::function<void(int32_t fromMs)> chase;
 
     explicit MidiPlayer(PlayerClock clock = {});
 
@@ -65,8 +70,6 @@ public:
 private:
     enum class WaitEnd { Due, Stop, Reposition };
 
-    void seek(int32_t start);
-    int32_t chooseNextTrack() const;
     int32_t dueTime(int32_t absMS, int32_t timeBase) const;
     double realMsSinceReference(int32_t pieceMs) const;
     WaitEnd waitFor(int32_t due, int32_t& timeBase);
@@ -87,7 +90,7 @@ private:
     bool m_skipRequested = false;
     float m_catchUpTolerance = 0.0f;
     int32_t m_minSilenceAlertMS = 0;
-    std::vector<int32_t> m_nextEvent;
+    MergedTracks m_merged;
     int32_t m_currentDueMs = 0;
 };
 

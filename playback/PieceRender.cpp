@@ -70,12 +70,15 @@ PieceRenderResult renderPieceToWav(const MidiFile& piece, const std::string& wav
     PieceRouter router;
     router.setMidiOctShift(options.midiOctShift);
     router.setVolume(options.volume);
-    router.resetChannelState();
 
     MidiPlayer player(clock.playerClock());
     player.resetPlayState();
     player.setPlaySpeedRatio(options.speed);
     player.setTheMidi(&piece);
+    player.setStartOffsetMSecMidi(options.fromMs);
+    player.chase = [&](int32_t fromMs) { router.startFrom(&piece, fromMs); };
+    if (options.lengthMs > 0)
+        clock.at(options.lengthMs, [&] { player.stopPlaying(); });
     player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t) {
         router.route(status, c1, c2);
         ++result.events;

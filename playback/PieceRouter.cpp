@@ -2,6 +2,7 @@
 
 #include "base/Rounding.h"
 #include "playback/MidiOutPort.h"
+#include "playback/PieceChase.h"
 #include "playback/mMidiMain.h"
 
 namespace tarabix {
@@ -27,6 +28,15 @@ void PieceRouter::resetChannelState()
 {
     m_cents.fill(0);
     m_sounding.fill(0);
+}
+
+void PieceRouter::startFrom(const MidiFile* piece, int32_t fromMs)
+{
+    resetChannelState();
+    if (!piece || fromMs <= 0)
+        return;
+    for (const ChannelMessage& m : chasePiece(*piece, fromMs).messages())
+        route(m.status, m.c1, m.c2);
 }
 
 void PieceRouter::silenceChannel(int ch)

@@ -6,6 +6,8 @@
 
 namespace tarabix {
 
+class MidiFile;
+
 // Turns a piece's due channel messages into output, the same way for the window, the command
 // line's player and the offline renderer: muted channels are dropped, notes are moved by the
 // MIDI octave shift (and dropped when that takes them off the keyboard), note-on velocities
@@ -30,6 +32,12 @@ public:
 
     // What playing starts from: no channel shifted, nothing sounding.
     void resetChannelState();
+
+    // Every start of the player (its chase): nothing sounds any more, and past the very beginning
+    // the channels get the piece's programs, controllers and pitch wheels (hence their cents) as
+    // they stand at fromMs, through the same rules as the piece's own messages. A start at 0 sends
+    // nothing: the piece sets its channels up itself.
+    void startFrom(const MidiFile* piece, int32_t fromMs);
 
     // Cuts every note of one channel at once (sustain off, all notes off) and forgets them, so a
     // channel muted while it sounds falls silent and follows the piece's pitch wheel again.

@@ -1,10 +1,9 @@
 // Every piece shipped under samples/ must open the way the main window opens it, last as long as
 // a lesson piece should, name a maqam the maqam list knows, and (MZF) carry a readable sheet.
 #include "app/SheetPicture.h"
-#include "midi/MidiFile.h"
 #include "midi/MzfContainer.h"
-#include "midi/PieceFile.h"
 #include "oud/model/mMaqams.h"
+#include "tests/common/SamplePieces.h"
 
 #include <gtest/gtest.h>
 
@@ -16,14 +15,8 @@
 namespace tarabix {
 namespace {
 
-const std::filesystem::path kData = std::filesystem::path(TARABIX_SOURCE_DIR) / "data";
-
-// The piece's MIDI, from inside an MZF or from a plain .mid file; 0 when it reads.
-int32_t readPiece(const std::string& path, MidiFile& file)
-{
-    const PieceReadResult read = readPieceFile(path, file);
-    return read.ok() ? 0 : read.fault == PieceFault::NoSuchFile ? -1 : read.status;
-}
+using test::readPiece;
+const std::filesystem::path kData = test::kDataFolder;
 
 // Every "Q:name/tonic" text of the piece, in all tracks.
 std::vector<std::string> maqamMarkers(const MidiFile& file)

@@ -64,6 +64,46 @@ TEST(MidiPlayerRender, QuarterTonesOfThePiecesPitchWheelsAreHeard)
     EXPECT_NEAR(test::centsBetween(second, 220.0), 0.0, 3.0) << second << " Hz";
 }
 
+std::vector<float> renderedStereo(const MidiFile& piece, const PieceRenderOptions& options)
+{
+    const std::string path = test::scratchPath("render-from.wav");
+    const PieceRenderResult result = renderPieceToWav(piece, path, options);
+    EXPECT_TRUE(result.ok) << result.error;
+    EXPECT_EQ(result.audioMs, options.lengthMs + options.tailMs);
+    const std::string wav = test::readBytes(path);
+    std::filesystem::remove(path);
+    std::vector<float> stereo;
+    for (size_t at = 44; at + 2 <= wav.size(); at += 2)
+        stereo.push_back(static_cast<int16_t>(littleEndian(wav, at, 2)));
+    return stereo;
+}
+
+// The piece sets its quarter tone once, before its first note; a render from inside it must
+// still sound its notes a quarter tone up, as the whole piece does there.
+TEST(MidiPlayerRender, ARenderFromInsideThePieceKeepsItsQuarterTone)
+{
+    if (findSoundFont().empty())
+        GTEST_SKIP() << "no General MIDI SoundFont installed";
+    const MidiFile piece = testing::PieceBuilder()
+                               .channel(0, 0, 0xC0, 24, 0)
+                               .channel(0, 0, 0xE0, 0x00, 0x50)
+                               .noteOn(0, 0, 69)
+                               .channel(0, 900, 0x80, 69, 0)
+                               .noteOn(0, 1000, 69)
+                               .channel(0, 1900, 0x80, 69, 0)
+                               .build();
+    PieceRenderOptions whole;
+    whole.tailMs = 0;
+    whole.lengthMs = 1900;
+    PieceRenderOptions fromInside = whole;
+    fromInside.fromMs = 1000;
+    fromInside.lengthMs = 900;
+    const double wholeHz = test::stereoFundamentalHz(renderedStereo(piece, whole), 44100, 1.15, 1.7);
+    const double insideHz = test::stereoFundamentalHz(renderedStereo(piece, fromInside), 44100, 0.15, 0.7);
+    EXPECT_NEAR(test::centsBetween(insideHz, wholeHz), 0.0, 3.0) << insideHz << " Hz against " << wholeHz << " Hz";
+    EXPECT_NEAR(test::centsBetween(insideHz, 440.0), 50.0, 3.0) << insideHz << " Hz";
+}
+
 TEST(MidiPlayerRender, AnUnwritableOutputIsReportedNotCrashedOn)
 {
     const PieceRenderResult result = renderPieceToWav(quarterTonePiece(), "/nonexistent-folder/out.wav");

@@ -1,5 +1,6 @@
 #include "tools/cli/PieceFile.h"
 
+#include "base/Rounding.h"
 #include "midi/PieceFile.h"
 
 #include <charconv>
@@ -31,6 +32,14 @@ std::optional<int> parseInt(const std::string& text)
     if (ec != std::errc() || ptr != end || text.empty())
         return std::nullopt;
     return value;
+}
+
+std::optional<int32_t> parseSecondsAsMs(const std::string& text)
+{
+    const auto seconds = parseNumber(text);
+    if (!seconds || !(*seconds >= 0.0 && *seconds <= 2000000.0))
+        return std::nullopt;
+    return roundHalfEvenInt(*seconds * 1000.0);
 }
 
 }  // namespace tarabix::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -16,5 +17,8 @@ bool loadPiece(const std::string& path, MidiFile& piece, std::string& error);
 // Whole-argument number parsing for options; empty when the text is not exactly a number.
 std::optional<double> parseNumber(const std::string& text);
 std::optional<int> parseInt(const std::string& text);
+// A time in seconds (0 to 2,000,000, so its milliseconds fit the player's 32-bit times) as
+// milliseconds, to the nearest.
+std::optional<int32_t> parseSecondsAsMs(const std::string& text);
 
 }  // namespace tarabix::cli

@@ -2,7 +2,6 @@
 #include "tools/cli/PieceFile.h"
 
 #include "base/MonotonicClock.h"
-#include "base/Rounding.h"
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 #include "playback/MidiPlayer.h"
@@ -64,7 +63,7 @@ int play(const Args& args)
     std::string timingLogPath;
     std::string device;
     double speed = 1.0;
-    double fromSeconds = 0.0;
+    int32_t fromMs = 0;
     QtPlayerWait::Strategy strategy = QtPlayerWait::bestStrategy();
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
@@ -79,10 +78,10 @@ int play(const Args& args)
                 return usage();
             speed = *value;
         } else if (a == "--from" && hasValue) {
-            const auto value = parseNumber(args[++i]);
-            if (!value || !(*value >= 0.0 && *value <= 2000000.0))
+            const auto value = parseSecondsAsMs(args[++i]);
+            if (!value)
                 return usage();
-            fromSeconds = *value;
+            fromMs = *value;
         } else if (a == "--timing-log" && hasValue) {
             timingLogPath = args[++i];
         } else if (a == "--busy-wait") {
@@ -124,7 +123,7 @@ int play(const Args& args)
     QtPlayerWait wait(strategy);
     MidiPlayer player(QtPlayerWait::playerClock(clock, wait));
     PieceRouter router;
-    router.resetChannelState();
+    player.chase = [&](int32_t startMs) { router.startFrom(&piece, startMs); };
     std::vector<TimingRecord> timing;
     player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec) {
         router.route(status, c1, c2);
@@ -134,7 +133,7 @@ int play(const Args& args)
     player.resetPlayState();
     player.setPlaySpeedRatio(static_cast<float>(speed));
     player.setTheMidi(&piece);
-    player.setStartOffsetMSecMidi(roundHalfEvenInt(fromSeconds * 1000.0));
+    player.setStartOffsetMSecMidi(fromMs);
     if (!timingLogPath.empty()) {
         size_t events = 0;
         for (int32_t t = 0; t < piece.numOfTracks(); ++t)

@@ -13,13 +13,16 @@ namespace {
 
 int usage()
 {
-    std::fputs("usage: tarabix-cli render FILE -o OUT.wav [--speed R] [--octave N] [--volume V]\n", stderr);
+    std::fputs("usage: tarabix-cli render FILE -o OUT.wav [--speed R] [--octave N] [--volume V]\n"
+               "                         [--from SECONDS] [--length SECONDS]\n",
+               stderr);
     return 2;
 }
 
 }  // namespace
 
-// Writes the piece as the window would play it into a WAV file, faster than real time.
+// Writes the piece as the window would play it into a WAV file, faster than real time; from a
+// point inside it, its channels are first set as the piece has them there.
 int render(const Args& args)
 {
     std::string input;
@@ -45,6 +48,16 @@ int render(const Args& args)
             if (!volume || *volume < 0 || *volume > 127)
                 return usage();
             options.volume = *volume;
+        } else if (a == "--from" && hasValue) {
+            const auto from = parseSecondsAsMs(args[++i]);
+            if (!from)
+                return usage();
+            options.fromMs = *from;
+        } else if (a == "--length" && hasValue) {
+            const auto length = parseSecondsAsMs(args[++i]);
+            if (!length || *length == 0)
+                return usage();
+            options.lengthMs = *length;
         } else if (input.empty() && !a.starts_with("-")) {
             input = a;
         } else {
@@ -59,6 +72,11 @@ int render(const Args& args)
     if (!loadPiece(input, piece, error)) {
         std::fprintf(stderr, "tarabix-cli render: %s\n", error.c_str());
         return 1;
+    }
+    if (options.fromMs > piece.allLastAbsMSec()) {
+        std::fprintf(stderr, "tarabix-cli render: --from %.3f s is past the end of the piece (%.3f s)\n",
+                     options.fromMs / 1000.0, piece.allLastAbsMSec() / 1000.0);
+        return 2;
     }
     const auto started = std::chrono::steady_clock::now();
     const PieceRenderResult result = renderPieceToWav(piece, output, options);

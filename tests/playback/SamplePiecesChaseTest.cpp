@@ -1,0 +1,118 @@
+// Every shipped piece started inside itself sounds its next notes exactly as when played from the
+// beginning: same program, same quarter tone, same volume, pan and expression on the device.
+#include "playback/MidiPlayer.h"
+#include "playback/PieceRouter.h"
+#include "playback/RecorderPort.h"
+#include "playback/VirtualClock.h"
+#include "playback/mMidiMain.h"
+#include "tests/common/SamplePieces.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace tarabix {
+namespace {
+
+constexpr int32_t kListenMs = 3000;  // how much is compared after each start
+
+struct HeardNote {
+    int32_t atMs;
+    int32_t cents;
+    std::string how;  // channel, note, velocity and the channel's sound settings
+    bool operator==(const HeardNote&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const HeardNote& n)
+{
+    return out << n.atMs << " ms " << n.how << " cents " << n.cents;
+}
+
+// What a General MIDI device does with the recorded words: each note-on with the state of its
+// channel at that moment.
+std::vector<HeardNote> heardNotes(const std::vector<RecordedMessage>& sent)
+{
+    struct Channel {
+        int program = 0;
+        int32_t cents = 0;
+        std::array<int, 128> cc{};
+    };
+    std::array<Channel, 16> channels;
+    std::vector<HeardNote> notes;
+    for (const RecordedMessage& m : sent) {
+        const uint32_t kind = m.message & 0xF0;
+        Channel& ch = channels[m.message & 0x0F];
+        const uint32_t c1 = (m.message >> 8) & 0x7F;
+        const uint32_t c2 = (m.message >> 16) & 0x7F;
+        if (kind == 0xC0) {
+            ch.program = static_cast<int>(c1);
+        } else if (kind == 0xB0) {
+            ch.cc[c1] = static_cast<int>(c2);
+        } else if (kind == 0xE0) {
+            ch.cents = bendToCents(static_cast<int32_t>(c2 * 128 + c1), false);
+        } else if (kind == 0x90 && c2 != 0) {
+            std::ostringstream how;
+            how << "ch" << (m.message & 0x0F) << " note " << c1 << " vel " << c2 << " program " << ch.program
+                << " bank " << ch.cc[0] << "/" << ch.cc[32] << " vol " << ch.cc[7] << " pan " << ch.cc[10]
+                << " expr " << ch.cc[11];
+            notes.push_back({m.timeMs, ch.cents, how.str()});
+        }
+    }
+    return notes;
+}
+
+// The piece played on the virtual clock from fromMs until untilMs of piece time, into a recorder;
+// the recorded times are piece times.
+std::vector<RecordedMessage> playSpan(const MidiFile& piece, int32_t fromMs, int32_t untilMs)
+{
+    resetMidiMainState();
+    VirtualClock clock;
+    auto recording = std::make_shared<MidiRecording>();
+    setMidiOutBackend({[] { return std::vector<std::string>{}; },
+                       [&](int32_t) { return std::make_unique<RecorderPort>(recording, [&] { return clock.now(); }); }});
+    EXPECT_EQ(reopenMidiOut(), kMidiOutOk);
+    MidiPlayer player(clock.playerClock());
+    PieceRouter router;
+    player.resetPlayState();
+    player.setTheMidi(&piece);
+    player.setStartOffsetMSecMidi(fromMs);
+    player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t) { router.route(status, c1, c2); };
+    player.chase = [&](int32_t startMs) { router.startFrom(&piece, startMs); };
+    clock.at(untilMs - fromMs, [&] { player.stopPlaying(); });
+    player.play();
+    resetMidiMainState();
+    std::vector<RecordedMessage> sent = recording->messages();
+    for (RecordedMessage& m : sent)
+        m.timeMs += fromMs;
+    return sent;
+}
+
+TEST(SamplePiecesChase, NotesAfterAStartInsideThePieceSoundAsInTheWholePiece)
+{
+    int quarterTonesCompared = 0;
+    for (const std::string& path : test::samplePiecePaths()) {
+        MidiFile piece;
+        ASSERT_EQ(test::readPiece(path, piece), 0) << path;
+        const int32_t length = piece.allLastAbsMSec();
+        const std::vector<HeardNote> wholeHeard = heardNotes(playSpan(piece, 0, length));
+        for (const int32_t fromMs : {length / 4 + 7, length / 2 + 333, length * 3 / 4 + 1}) {
+            SCOPED_TRACE(path + " from " + std::to_string(fromMs) + " ms");
+            std::vector<HeardNote> expected;
+            for (const HeardNote& n : wholeHeard)
+                if (n.atMs >= fromMs && n.atMs < fromMs + kListenMs)
+                    expected.push_back(n);
+            ASSERT_FALSE(expected.empty());
+            EXPECT_EQ(heardNotes(playSpan(piece, fromMs, fromMs + kListenMs)), expected);
+            for (const HeardNote& n : expected)
+                quarterTonesCompared += n.cents % 100 != 0;
+        }
+    }
+    EXPECT_GT(quarterTonesCompared, 10);  // the comparison covers notes off the semitone grid
+}
+
+}  // namespace
+}  // namespace tarabix
