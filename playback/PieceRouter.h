@@ -14,6 +14,9 @@ namespace tarabix {
 // Everything goes out through the output layer (mMidiMain).
 class PieceRouter {
 public:
+    // Where the window's volume control starts, and the volume of a render that names none: the
+    // synthesizer's gain is set so that the sample pieces peak a few dB under full scale here.
+    static constexpr int32_t kDefaultVolume = 100;
     static constexpr int kChannels = 16;
     static constexpr int kPercussionChannel = 9;  // channel 10 as musicians count
 

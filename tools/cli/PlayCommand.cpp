@@ -7,6 +7,7 @@
 #include "midi/MidiFile.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRouter.h"
+#include "playback/SoundFontLocator.h"
 #include "playback/mMidiMain.h"
 #include "playback/qt/QtPlayerWait.h"
 
@@ -23,7 +24,7 @@ namespace {
 int usage()
 {
     std::fputs("usage: tarabix-cli play FILE [--device ID|null] [--speed R] [--from SECONDS] [--timing-log CSV]\n"
-               "                       [--precise-timer | --busy-wait]\n",
+               "                       [--precise-timer | --busy-wait] [--soundfont FILE]\n",
                stderr);
     return 2;
 }
@@ -83,6 +84,8 @@ int play(const Args& args)
             if (!value || !(*value >= 0.0 && *value <= 2000000.0))
                 return usage();
             fromSeconds = *value;
+        } else if (a == "--soundfont" && hasValue) {
+            setSoundFontOverride(args[++i]);
         } else if (a == "--timing-log" && hasValue) {
             timingLogPath = args[++i];
         } else if (a == "--busy-wait") {
@@ -119,6 +122,8 @@ int play(const Args& args)
     if (reopenMidiOut() != kMidiOutOk)
         std::fprintf(stderr, "tarabix-cli play: no sound from MIDI output %d (%s); playing on silently\n",
                      getMidiDeviceId(), midiOutFailureReason().c_str());
+    if (const std::string notice = midiOutNotice(); !notice.empty())
+        std::fprintf(stderr, "tarabix-cli play: %s\n", notice.c_str());
 
     MonotonicClock clock;
     QtPlayerWait wait(strategy);
