@@ -26,7 +26,7 @@ public:
     std::function<void(int ch, int note, int32_t cents)> unmarkNote;
 
     // All channels enabled, all but the percussion channel shown, no shifts, nothing sounding,
-    // volume 127, octave shift 0.
+    // the starting volume (kDefaultVolume), octave shift 0.
     PieceRouter();
 
     void route(uint8_t status, uint8_t c1, uint8_t c2);
@@ -60,7 +60,7 @@ private:
     std::array<bool, kChannels> m_shown{};
     std::array<int32_t, kChannels> m_cents{};
     std::array<int32_t, kChannels> m_sounding{};
-    int32_t m_volume = 127;
+    int32_t m_volume = kDefaultVolume;
     int32_t m_midiOctShift = 0;
 };
 

@@ -82,8 +82,8 @@ std::string systemMidiPortsProblem()
 {
     // The learner is told why in words instead of the library's.
     if (!systemHasSequencer())
-        return "this system has no MIDI sequencer (/dev/snd/seq is missing: the kernel module snd-seq "
-               "is not loaded), so only the built-in synthesizer can play";
+        return "this system has no MIDI sequencer (no /dev/snd/seq; the kernel's snd-seq module gives it), "
+               "so only the built-in synthesizer can play";
     try {
         std::unique_ptr<RtMidiOut> client = makeClient();
     } catch (const RtMidiError& e) {
