@@ -30,14 +30,13 @@ OfflineSynth::OfflineSynth(OfflineSynthOptions options)
 {
     const std::string wanted = options.soundFontPath.empty() ? soundFontOverride() : options.soundFontPath;
     SoundFontChoice choice = chooseSoundFont(wanted, soundFontFolders());
-    options.soundFontPath = choice.path;
     m_impl = std::make_unique<Impl>(options);
     Impl& d = *m_impl;
     d.ready = d.engine.valid() && d.engine.loadChosenSoundFont(choice);
     d.options.soundFontPath = choice.path;
     d.notice = choice.notice;
     if (!d.ready)
-        d.reason = !d.engine.valid() ? d.engine.reason() : !choice.reason.empty() ? choice.reason : d.engine.reason();
+        d.reason = choice.reason.empty() ? d.engine.reason() : choice.reason;
 }
 
 OfflineSynth::~OfflineSynth() = default;

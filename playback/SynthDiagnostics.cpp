@@ -62,12 +62,9 @@ void fluidLog(int level, const char* message, void*)
 // complains through GLib's log without a domain ("CRITICAL **: ipatch_...").
 void glibLog(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer)
 {
-    const char* kind = (level & G_LOG_LEVEL_ERROR) ? "error"
-                       : (level & G_LOG_LEVEL_CRITICAL) ? "critical"
-                       : (level & G_LOG_LEVEL_WARNING) ? "warning"
-                                                       : "info";
     if (level & G_LOG_LEVEL_DEBUG)
         return;
+    const char* kind = (level & G_LOG_LEVEL_CRITICAL) ? "critical" : (level & G_LOG_LEVEL_WARNING) ? "warning" : "info";
     addSynthDiagnostic(std::string(domain ? domain : "glib") + " " + kind + ": " + (message ? message : ""));
 }
 
