@@ -1,5 +1,6 @@
 #include "playback/SoundFontCheck.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -15,16 +16,17 @@ struct ChunkHeader {
     uint64_t size = 0;
 };
 
-// The preset and sample tables a synthesizer needs, with the size of one record of each. Each
-// table ends in a terminal record, so the three named ones hold at least two.
+// The preset and sample tables a synthesizer needs, with the size of one record of each. The
+// preset, instrument and sample tables end in a terminal record, so they hold at least two; the
+// others are let pass empty, as some editors write them and synthesizers accept them.
 struct TableRule {
     const char* id;
     uint64_t recordSize;
     uint64_t minRecords;
 };
 constexpr TableRule kPdtaTables[] = {
-    {"phdr", 38, 2}, {"pbag", 4, 1}, {"pmod", 10, 1}, {"pgen", 4, 1}, {"inst", 22, 2},
-    {"ibag", 4, 1},  {"imod", 10, 1}, {"igen", 4, 1}, {"shdr", 46, 2},
+    {"phdr", 38, 2}, {"pbag", 4, 0}, {"pmod", 10, 0}, {"pgen", 4, 0}, {"inst", 22, 2},
+    {"ibag", 4, 0},  {"imod", 10, 0}, {"igen", 4, 0}, {"shdr", 46, 2},
 };
 
 class ChunkReader {
@@ -131,18 +133,20 @@ SoundFontCheck checkSoundFontFile(const std::string& path)
     const std::optional<std::string> form = reader.fourCC(8);
     if (!riff || !form || riff->id != "RIFF" || *form != "sfbk")
         return fail("it is not a SoundFont");
+    // A writer that leaves out the last chunk's pad byte may still count it in the RIFF size.
     const uint64_t riffEnd = 8 + riff->size;
-    if (riffEnd > fileSize)
+    if (riffEnd > fileSize + 1)
         return fail("it is truncated: " + std::to_string(fileSize) + " of " + std::to_string(riffEnd) + " bytes");
+    const uint64_t end = std::min(riffEnd, fileSize);
 
     bool info = false;
     bool sdta = false;
     bool pdta = false;
-    for (uint64_t at = 12; at + 8 <= riffEnd;) {
+    for (uint64_t at = 12; at + 8 <= end;) {
         const std::optional<ChunkHeader> h = reader.header(at);
         if (!h)
             return fail("it cannot be read");
-        if (at + 8 + h->size > riffEnd)
+        if (at + 8 + h->size > end)
             return fail("it is damaged: its part '" + printable(h->id) + "' runs past the end");
         if (h->id == "LIST" && h->size >= 4) {
             const std::optional<std::string> kind = reader.fourCC(at + 8);

@@ -13,11 +13,12 @@ struct SoundFontShape {
     bool withPresetList = true;
 };
 
+// Little-endian, zero-filled beyond the value's four bytes.
 inline std::string le(uint32_t value, int bytes)
 {
     std::string out;
     for (int i = 0; i < bytes; ++i)
-        out += static_cast<char>((value >> (8 * i)) & 0xFF);
+        out += static_cast<char>(i < 4 ? (value >> (8 * i)) & 0xFF : 0);
     return out;
 }
 

@@ -37,6 +37,10 @@ TEST_F(SoundFontFiles, TheQuickCheckTellsABrokenFileFromAGoodOne)
     const std::string good = soundFontBytes();
     std::string badTable = good;
     badTable.replace(badTable.find("pbag") + 4, 4, test::le(6, 4));  // not a whole number of records
+    // An odd last chunk whose pad byte the writer counted but left out.
+    std::string unpadded = good + test::riffChunk("note", "odd");
+    unpadded.replace(4, 4, test::le(static_cast<uint32_t>(unpadded.size() - 8), 4));
+    unpadded.pop_back();
     struct Case {
         const char* name;
         std::string bytes;
@@ -51,6 +55,8 @@ TEST_F(SoundFontFiles, TheQuickCheckTellsABrokenFileFromAGoodOne)
         {"no-presets.sf2", soundFontBytes(SoundFontShape{1, false}), "preset list is missing"},
         {"bad-table.sf2", badTable, "table 'pbag' has a broken length"},
         {"good.sf2", good, ""},
+        {"unpadded.sf2", unpadded, ""},
+        {"short-by-two.sf2", unpadded.substr(0, unpadded.size() - 1), "it is truncated"},
         {"out-of-order.sf3", soundFontBytes(SoundFontShape{0, true}), ""},  // only the synthesizer sees this
     };
     for (const Case& c : cases) {
