@@ -3,6 +3,7 @@
 #include "playback/SoundFontCheck.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>

@@ -122,7 +122,9 @@ int play(const Args& args)
     if (reopenMidiOut() != kMidiOutOk)
         std::fprintf(stderr, "tarabix-cli play: no sound from MIDI output %d (%s); playing on silently\n",
                      getMidiDeviceId(), midiOutFailureReason().c_str());
-    if (const std::string notice = midiOutNotice(); !notice.empty())
+    // A SoundFont passed over at the open is known now; one refused by the full load, later.
+    std::string notice = midiOutNotice();
+    if (!notice.empty())
         std::fprintf(stderr, "tarabix-cli play: %s\n", notice.c_str());
 
     MonotonicClock clock;
@@ -155,6 +157,8 @@ int play(const Args& args)
                      e.number());
         exitCode = 1;
     }
+    if (const std::string later = midiOutNotice(); later != notice && !later.empty())
+        std::fprintf(stderr, "tarabix-cli play: %s\n", later.c_str());
     midiOutReset();
     closeMidiOut();
     resetMidiMainState();
