@@ -55,6 +55,7 @@ fuzz-smoke:
 
 bench: deps build
 	@for b in $(BUILD_DIR)/bench/*_bench; do [ -x "$$b" ] && "$$b"; done; true
+	bench/sample_peaks.sh $(BUILD_DIR)
 
 # The fingerboard picture, mark strip and note-name glyphs in data/, drawn by our generator.
 assets: deps build

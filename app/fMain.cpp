@@ -5,6 +5,7 @@
 #include "app/fSheet.h"
 #include "oud/view/UdPictureWidget.h"
 #include "oud/view/UdResources.h"
+#include "playback/SoundFontLocator.h"
 #include "playback/qt/QtPlayerWait.h"
 #include "playback/mMidiMain.h"
 #include "settings/UserSettings.h"
@@ -80,6 +81,9 @@ bool fMain::load()
     m_fillingControls = false;
     m_initialising = false;
 
+    // The SoundFont from the command line wins for this run over the one chosen before.
+    if (soundFontOverride().empty())
+        setSoundFontOverride(m_settings->textValue(Setting::SoundFontFile));
     reopenMidiOut();
     m_deviceHeld = true;
     tmrAct->start();

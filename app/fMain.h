@@ -179,6 +179,7 @@ private:
     void m_mf_p_meta(int16_t track, uint8_t metaType, const std::string& txt, int32_t absMSec);
     void m_mf_p_donePB();
     void tmrAct_Timer();
+    void showOutputNoticeOnce();
     void setButtonDown(QPushButton* button, bool down);
 
     // Playing by mouse and computer keyboard (fMainPlayByHand.cpp).
@@ -225,6 +226,7 @@ private:
     int32_t m_startDelayMs = 0;
     float m_catchUpTolerance = 1.0f;
     bool m_deviceHeld = false;
+    QString m_shownOutputNotice;
     QTimer* tmrAct = nullptr;
     QPointer<fChannels> m_channelsDialog;
 

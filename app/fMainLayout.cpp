@@ -126,7 +126,7 @@ void fMain::buildControls()
     sldSpeedR->setPageStep(1);
     sldSpeedR->setTickPosition(QSlider::TicksBelow);
     lblSpeed = new QLabel(QStringLiteral("1.00"), central);
-    sldVolume = horizontalSlider(0, 127, 100, central);
+    sldVolume = horizontalSlider(0, 127, PieceRouter::kDefaultVolume, central);
     udMidiOctShift = spinner(-3, 3, central);
     lblMidiOctShift = new QLabel(QStringLiteral("+0 Octave"), central);
     controls->addWidget(new QLabel(tr("Speed"), central), 0, 0);

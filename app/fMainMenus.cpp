@@ -12,6 +12,7 @@
 #include "app/fNotesOpts.h"
 #include "app/fSheet.h"
 #include "midi/MzfContainer.h"
+#include "settings/UserSettings.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -32,6 +33,9 @@ void fMain::connectMenus()
     connect(mnu_Opts_Devs, &QAction::triggered, this, [this] {
         auto* dialog = new fMidiDevs(m_deviceHeld, this);
         dialog->setAttribute(Qt::WA_DeleteOnClose);
+        connect(dialog, &fMidiDevs::soundFontChosen, this, [this](const QString& path) {
+            m_settings->setText(Setting::SoundFontFile, path.toStdString());
+        });
         dialog->open();
     });
     for (int i = 0; i < 4; ++i)

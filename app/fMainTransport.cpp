@@ -3,6 +3,7 @@
 // here may run nested inside it and talks to the player only through its requests.
 #include "app/fMain.h"
 
+#include "app/AppIdentity.h"
 #include "app/WindowTexts.h"
 #include "base/TickSource.h"
 #include "oud/model/Tunings.h"
@@ -12,6 +13,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
@@ -255,6 +257,26 @@ void fMain::tmrAct_Timer()
         closeMidiOut();
         m_deviceHeld = false;
     }
+    showOutputNoticeOnce();
+}
+
+// E.g. that the built-in synthesizer plays the system's SoundFont because the learner's is
+// broken: said once, not at every re-open of the output. A box that does not hold up a piece
+// playing behind it.
+void fMain::showOutputNoticeOnce()
+{
+    const QString notice = QString::fromStdString(midiOutNotice());
+    if (notice.isEmpty() || notice == m_shownOutputNotice)
+        return;
+    m_shownOutputNotice = notice;
+    if (m_env.showMessage) {
+        m_env.showMessage(QMessageBox::Information, notice);
+        return;
+    }
+    auto* box = new QMessageBox(QMessageBox::Information, appIdentity().title, notice, QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::NonModal);
+    box->show();
 }
 
 }  // namespace tarabix

@@ -3,9 +3,13 @@
 #include "app/DialogButtons.h"
 
 #include "app/AppIdentity.h"
+#include "playback/SoundFontCheck.h"
+#include "playback/SoundFontLocator.h"
 #include "playback/mMidiMain.h"
 
 #include <QComboBox>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QFont>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -58,8 +62,15 @@ fMidiDevs::fMidiDevs(bool deviceHeld, QWidget* parent)
         cmbMDevs->addItem(QString::fromStdString(device.name));
     // An id beyond the list (a device unplugged since) leaves nothing selected.
     cmbMDevs->setCurrentIndex(id + 1 < cmbMDevs->count() ? id + 1 : -1);
+    if (const std::string problem = midiOutDevicesProblem(); !problem.empty()) {
+        lblPorts->setText(tr("No system MIDI ports: %1.").arg(QString::fromStdString(problem)));
+        lblPorts->show();
+    }
+    showSoundFont();
     if (!sharedFailure.empty())
         showSilence(tr("The current device gives no sound"), sharedFailure);
+    else if (const std::string notice = midiOutNotice(); !notice.empty())
+        showSilence(tr("SoundFont"), notice);
 }
 
 fMidiDevs::~fMidiDevs()
@@ -91,6 +102,20 @@ void fMidiDevs::buildControls()
     deviceRow->addWidget(cmdTest);
     layout->addLayout(deviceRow);
 
+    lblPorts = new QLabel(this);
+    lblPorts->setWordWrap(true);
+    lblPorts->hide();
+    layout->addWidget(lblPorts);
+
+    auto* soundFontRow = new QHBoxLayout;
+    lblSoundFont = new QLabel(this);
+    lblSoundFont->setWordWrap(true);
+    soundFontRow->addWidget(lblSoundFont, 1);
+    cmdSoundFont = new QPushButton(tr("SoundFont..."), this);
+    cmdSoundFont->setToolTip(tr("Choose the General MIDI SoundFont (.sf2 or .sf3) of the built-in synthesizer"));
+    soundFontRow->addWidget(cmdSoundFont);
+    layout->addLayout(soundFontRow);
+
     lblStatus = new QLabel(this);
     lblStatus->setWordWrap(true);
     lblStatus->hide();
@@ -100,6 +125,43 @@ void fMidiDevs::buildControls()
 
     connect(cmdTest, &QPushButton::clicked, this, &fMidiDevs::cmdTest_Click);
     connect(cmdOK, &QPushButton::clicked, this, &fMidiDevs::cmdOK_Click);
+    connect(cmdSoundFont, &QPushButton::clicked, this, &fMidiDevs::cmdSoundFont_Click);
+}
+
+// The learner's own file when there is one, else the one the system offers.
+void fMidiDevs::showSoundFont()
+{
+    const std::string mine = soundFontOverride();
+    const std::string shown = mine.empty() ? findSoundFont() : mine;
+    lblSoundFont->setText(shown.empty() ? tr("Built-in synthesizer's SoundFont: none found")
+                                        : tr("Built-in synthesizer's SoundFont: %1").arg(QString::fromStdString(shown)));
+}
+
+void fMidiDevs::cmdSoundFont_Click()
+{
+    const QString start = QFileInfo(QString::fromStdString(soundFontOverride().empty() ? findSoundFont()
+                                                                                       : soundFontOverride()))
+                              .absolutePath();
+    // Not modal to the application: a piece playing behind the dialog goes on.
+    auto* files = new QFileDialog(this, tr("Choose a SoundFont"), start, tr("SoundFonts (*.sf2 *.sf3);;All files (*)"));
+    files->setAttribute(Qt::WA_DeleteOnClose);
+    files->setFileMode(QFileDialog::ExistingFile);
+    connect(files, &QFileDialog::fileSelected, this, [this](const QString& path) { chooseSoundFontFile(path); });
+    files->open();
+}
+
+bool fMidiDevs::chooseSoundFontFile(const QString& path)
+{
+    const SoundFontCheck check = checkSoundFontFile(path.toStdString());
+    if (!check.ok) {
+        showSilence(tr("This SoundFont cannot be used"), path.toStdString() + ": " + check.problem);
+        return false;
+    }
+    setSoundFontOverride(path.toStdString());
+    lblStatus->hide();
+    showSoundFont();
+    emit soundFontChosen(path);
+    return true;
 }
 
 // Tells the learner why a device stays silent, e.g. that the built-in synthesizer found no audio

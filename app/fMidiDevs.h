@@ -27,12 +27,20 @@ public:
 
     bool testRunning() const { return m_testPort != nullptr; }
 
+    // Makes `path` the built-in synthesizer's SoundFont when it passes the quick check (heard
+    // from the next open of the output, at the latest when this dialog closes); otherwise says
+    // why and changes nothing. What the "SoundFont..." button's file dialog leads to.
+    bool chooseSoundFontFile(const QString& path);
+
     void done(int result) override;
 
     QLabel* lblHeading = nullptr;
     QLabel* lblPrompt = nullptr;
     QComboBox* cmbMDevs = nullptr;
     QLabel* lblStatus = nullptr;
+    QLabel* lblSoundFont = nullptr;
+    QLabel* lblPorts = nullptr;
+    QPushButton* cmdSoundFont = nullptr;
     QPushButton* cmdTest = nullptr;
     QPushButton* cmdOK = nullptr;
     QPushButton* cmdCancel = nullptr;
@@ -40,11 +48,15 @@ public:
 signals:
     void testFinished();
     void deviceChosen(int32_t id);
+    // A SoundFont that passed the check; the main window remembers it.
+    void soundFontChosen(const QString& path);
 
 private:
     void buildControls();
     void cmdTest_Click();
     void cmdOK_Click();
+    void cmdSoundFont_Click();
+    void showSoundFont();
     void playTestStep();
     void endTest();
     void releaseTestPort();

@@ -95,7 +95,8 @@ int main(int argc, char* argv[])
     args.addHelpOption();
     args.addVersionOption();
     const QCommandLineOption soundFont(QStringLiteral("soundfont"),
-                                       QStringLiteral("The SoundFont of the built-in synthesizer."),
+                                       QStringLiteral("The SoundFont of the built-in synthesizer for this run "
+                                                      "(a missing or broken file gives way to the system's)."),
                                        QStringLiteral("FILE"));
     args.addOption(soundFont);
     const QCommandLineOption startupReport(

@@ -6,8 +6,11 @@
 //                    page cache (a learner who has started the program before)
 //   SoundFontReadyCold  the same after the SoundFont file is dropped from the page cache (the
 //                    first start after booting)
+//   SoundFontCheck   the quick look at the file's outline that open() makes before it returns,
+//                    warm and cold page cache
 // The SoundFont is the one the program finds (findSoundFont).
 #include "playback/FluidSynthPort.h"
+#include "playback/SoundFontCheck.h"
 #include "playback/SoundFontLocator.h"
 
 #include <benchmark/benchmark.h>
@@ -96,6 +99,26 @@ void SoundFontReadyCold(benchmark::State& state)
     readyAfterOpen(state, true);
 }
 BENCHMARK(SoundFontReadyCold)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void SoundFontCheckTime(benchmark::State& state)
+{
+    if (!haveSoundFont(state))
+        return;
+    const std::string path = findSoundFont();
+    const bool cold = state.range(0) != 0;
+    for (auto _ : state) {
+        if (cold)
+            dropFromPageCache(path);
+        const auto start = Clock::now();
+        const bool ok = checkSoundFontFile(path).ok;
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        if (!ok) {
+            state.SkipWithError("the SoundFont fails the check");
+            return;
+        }
+    }
+}
+BENCHMARK(SoundFontCheckTime)->Name("SoundFontCheck")->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(20);
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #include "playback/FluidSynthEngine.h"
 
 #include "playback/MidiOutPort.h"
+#include "playback/SoundFontCheck.h"
 #include "playback/SynthDiagnostics.h"
 
 namespace tarabix {
@@ -17,6 +18,7 @@ FluidSynthEngine::FluidSynthEngine(double sampleRate)
     // Only the samples of the presets in use are read, so a 140 MB SoundFont is ready in tens of
     // milliseconds instead of being read whole.
     fluid_settings_setint(m_settings, "synth.dynamic-sample-loading", 1);
+    fluid_settings_setnum(m_settings, "synth.gain", kSynthGain);
     m_synth = new_fluid_synth(m_settings);
     if (!m_synth)
         m_reason = "the built-in synthesizer could not be created";
@@ -34,15 +36,50 @@ bool FluidSynthEngine::loadSoundFont(const std::string& path)
 {
     if (!m_synth)
         return false;
+    m_problem.clear();
     if (path.empty()) {
         m_reason = "no General MIDI SoundFont found";
         return false;
     }
-    if (fluid_synth_sfload(m_synth, path.c_str(), 1) == FLUID_FAILED) {
-        m_reason = "the SoundFont " + path + " could not be loaded";
+    if (const SoundFontCheck check = checkSoundFontFile(path); !check.ok) {
+        m_problem = check.problem;
+        m_reason = "the SoundFont " + path + " cannot be used: " + m_problem;
         return false;
     }
+    if (m_soundFontId != -1) {
+        fluid_synth_sfunload(m_synth, m_soundFontId, 1);
+        m_soundFontId = -1;
+    }
+    const uint64_t mark = synthDiagnosticsMark();
+    const int id = fluid_synth_sfload(m_synth, path.c_str(), 1);
+    if (id == FLUID_FAILED) {
+        // FluidSynth's first complaint says what is wrong inside the file.
+        const std::vector<std::string> said = synthDiagnosticsSince(mark);
+        m_problem = said.empty() ? std::string("it could not be loaded") : "it could not be loaded: " + said.front();
+        m_reason = "the SoundFont " + path + " cannot be used: " + m_problem;
+        return false;
+    }
+    m_soundFontId = id;
+    m_reason.clear();
     return true;
+}
+
+bool FluidSynthEngine::loadChosenSoundFont(SoundFontChoice& choice)
+{
+    if (loadSoundFont(choice.path))
+        return true;
+    if (choice.path.empty() || !choice.notice.empty())
+        return false;
+    const std::string failed = choice.path;
+    const std::string reason = m_reason;
+    const std::string fallback = findSoundFont(soundFontFolders(), failed);
+    choice.notice = soundFontFallbackNotice(failed, m_problem, fallback);
+    choice.path = fallback;
+    if (!fallback.empty() && loadSoundFont(fallback))
+        return true;
+    choice.reason = reason;
+    m_reason = reason;
+    return false;
 }
 
 void FluidSynthEngine::dispatch(uint32_t message) const

@@ -42,6 +42,8 @@ struct FluidSynthPort::Impl {
     bool loadFailed = false;
     std::vector<uint32_t> pending;
     std::string reason;
+    SoundFontChoice choice;
+    std::string chosenFor;  // the learner's file the choice was made for
 
     void setReason(std::string text)
     {
@@ -65,17 +67,54 @@ struct FluidSynthPort::Impl {
         return false;
     }
 
-    void load(const std::string& path)
+    // The learner's file: the one given to this output, else the program's current choice.
+    std::string wantedSoundFont() const
     {
-        const bool ok = engine->loadSoundFont(path);
+        return options.soundFontPath.empty() ? soundFontOverride() : options.soundFontPath;
+    }
+
+    // Picks the SoundFont at once, the quick check included, so a missing or broken file is known
+    // (and passed over for the system's) before the output reports itself open. False when there
+    // is none to play; reason says why.
+    bool chooseSoundFontNow(const std::string& wanted)
+    {
+        if (loader.joinable())
+            loader.join();
+        SoundFontChoice picked = chooseSoundFont(wanted, soundFontFolders());
         std::lock_guard lock(mutex);
+        chosenFor = wanted;
+        choice = std::move(picked);
+        loadStarted = false;
+        loaded = false;
+        loadFailed = false;
+        pending.clear();
+        if (choice.path.empty()) {
+            reason = choice.reason;
+            return false;
+        }
+        return true;
+    }
+
+    void load()
+    {
+        SoundFontChoice picked;
+        {
+            std::lock_guard lock(mutex);
+            picked = choice;
+        }
+        // A file that passed the quick check can still be refused here; the system's SoundFont
+        // then stands in for it, and the learner is told either way.
+        const bool ok = engine->loadChosenSoundFont(picked);
+        const std::string failure = engine->reason();
+        std::lock_guard lock(mutex);
+        choice = picked;
         if (ok) {
             for (uint32_t message : pending)
                 engine->dispatch(message);
             loaded = true;
         } else {
             loadFailed = true;
-            reason = engine->reason();
+            reason = failure;
         }
         pending.clear();
         loadDone.notify_all();
@@ -105,19 +144,16 @@ int32_t FluidSynthPort::open()
         d.setReason(d.engine->reason());
         return kMidiOutError;
     }
-    std::string path;
+    const std::string wanted = d.wantedSoundFont();
+    bool choose = false;
     {
         std::lock_guard lock(d.mutex);
-        if (d.loadFailed)
+        choose = !d.loadStarted || wanted != d.chosenFor;
+        if (!choose && d.loadFailed)
             return kMidiOutNoDevice;
-        if (!d.loadStarted) {
-            path = d.options.soundFontPath.empty() ? findSoundFont() : d.options.soundFontPath;
-            if (path.empty()) {
-                d.reason = "no General MIDI SoundFont found";
-                return kMidiOutNoDevice;
-            }
-        }
     }
+    if (choose && !d.chooseSoundFontNow(wanted))
+        return kMidiOutNoDevice;
     if (!d.startAudio()) {
         d.setReason("no audio output device");
         return kMidiOutNoDevice;
@@ -127,7 +163,7 @@ int32_t FluidSynthPort::open()
         d.reason.clear();
         if (!d.loadStarted) {
             d.loadStarted = true;
-            d.loader = std::thread([&d, path] { d.load(path); });
+            d.loader = std::thread([&d] { d.load(); });
         }
     }
     d.isOpen = true;
@@ -171,6 +207,18 @@ std::string FluidSynthPort::failureReason() const
 {
     std::lock_guard lock(m_impl->mutex);
     return m_impl->reason;
+}
+
+std::string FluidSynthPort::notice() const
+{
+    std::lock_guard lock(m_impl->mutex);
+    return m_impl->choice.notice;
+}
+
+std::string FluidSynthPort::soundFontPath() const
+{
+    std::lock_guard lock(m_impl->mutex);
+    return m_impl->choice.path;
 }
 
 FluidSynthPort::State FluidSynthPort::state() const

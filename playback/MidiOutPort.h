@@ -46,6 +46,9 @@ public:
     virtual bool isReady() const { return true; }
     // Why the last open failed, in words a dialog can show; empty after a successful open.
     virtual std::string failureReason() const { return {}; }
+    // Something the learner should hear of although the output plays, e.g. that the built-in
+    // synthesizer plays the system's SoundFont in place of theirs; empty when there is nothing.
+    virtual std::string notice() const { return {}; }
 };
 
 }  // namespace tarabix

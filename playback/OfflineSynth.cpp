@@ -21,19 +21,22 @@ struct OfflineSynth::Impl {
     FluidSynthEngine engine;
     bool ready = false;
     std::string reason;
+    std::string notice;
     int64_t frames = 0;
     std::vector<float> samples;
 };
 
 OfflineSynth::OfflineSynth(OfflineSynthOptions options)
 {
-    if (options.soundFontPath.empty())
-        options.soundFontPath = findSoundFont();
+    const std::string wanted = options.soundFontPath.empty() ? soundFontOverride() : options.soundFontPath;
+    SoundFontChoice choice = chooseSoundFont(wanted, soundFontFolders());
     m_impl = std::make_unique<Impl>(options);
     Impl& d = *m_impl;
-    d.ready = d.engine.valid() && d.engine.loadSoundFont(options.soundFontPath);
+    d.ready = d.engine.valid() && d.engine.loadChosenSoundFont(choice);
+    d.options.soundFontPath = choice.path;
+    d.notice = choice.notice;
     if (!d.ready)
-        d.reason = d.engine.reason();
+        d.reason = choice.reason.empty() ? d.engine.reason() : choice.reason;
 }
 
 OfflineSynth::~OfflineSynth() = default;
@@ -46,6 +49,11 @@ bool OfflineSynth::ready() const
 std::string OfflineSynth::failureReason() const
 {
     return m_impl->reason;
+}
+
+std::string OfflineSynth::notice() const
+{
+    return m_impl->notice;
 }
 
 std::string OfflineSynth::soundFontPath() const
@@ -144,6 +152,11 @@ void OfflineSynthPort::send(uint32_t message)
 std::string OfflineSynthPort::failureReason() const
 {
     return m_synth->failureReason();
+}
+
+std::string OfflineSynthPort::notice() const
+{
+    return m_synth->notice();
 }
 
 }  // namespace tarabix

@@ -10,7 +10,7 @@
 namespace tarabix {
 
 struct OfflineSynthOptions {
-    std::string soundFontPath;  // empty: findSoundFont()
+    std::string soundFontPath;  // empty: the program's choice (soundFontOverride()), else the system's
     double sampleRate = 44100.0;
 };
 
@@ -30,6 +30,9 @@ public:
     // A synth that is not ready renders silence.
     bool ready() const;
     std::string failureReason() const;
+    // Set when the file asked for was passed over for the system's SoundFont.
+    std::string notice() const;
+    // The SoundFont playing (the fallback, when one stands in).
     std::string soundFontPath() const;
     double sampleRate() const;
 
@@ -65,6 +68,7 @@ public:
     int32_t close() override;
     void send(uint32_t message) override;
     std::string failureReason() const override;
+    std::string notice() const override;
 
 private:
     std::shared_ptr<OfflineSynth> m_synth;

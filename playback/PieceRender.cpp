@@ -43,6 +43,7 @@ PieceRenderResult renderPieceToWav(const MidiFile& piece, const std::string& wav
     synthOptions.soundFontPath = options.soundFontPath;
     synthOptions.sampleRate = kSampleRate;
     auto synth = std::make_shared<OfflineSynth>(synthOptions);
+    result.notice = synth->notice();
     if (!synth->ready()) {
         result.error = "the built-in synthesizer cannot play: " + synth->failureReason();
         return result;

@@ -16,6 +16,9 @@ class MidiFile;
 // Everything goes out through the output layer (mMidiMain).
 class PieceRouter {
 public:
+    // Where the window's volume control starts, and the volume of a render that names none: the
+    // synthesizer's gain is set so that the sample pieces peak a few dB under full scale here.
+    static constexpr int32_t kDefaultVolume = 100;
     static constexpr int kChannels = 16;
     static constexpr int kPercussionChannel = 9;  // channel 10 as musicians count
 
@@ -25,7 +28,7 @@ public:
     std::function<void(int ch, int note, int32_t cents)> unmarkNote;
 
     // All channels enabled, all but the percussion channel shown, no shifts, nothing sounding,
-    // volume 127, octave shift 0.
+    // the starting volume (kDefaultVolume), octave shift 0.
     PieceRouter();
 
     void route(uint8_t status, uint8_t c1, uint8_t c2);
@@ -65,7 +68,7 @@ private:
     std::array<bool, kChannels> m_shown{};
     std::array<int32_t, kChannels> m_cents{};
     std::array<int32_t, kChannels> m_sounding{};
-    int32_t m_volume = 127;
+    int32_t m_volume = kDefaultVolume;
     int32_t m_midiOctShift = 0;
 };
 

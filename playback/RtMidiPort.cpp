@@ -4,6 +4,7 @@
 
 #include <rtmidi/RtMidi.h>
 
+#include <filesystem>
 #include <iostream>
 #include <sstream>
 
@@ -52,6 +53,18 @@ std::unique_ptr<RtMidiOut> makeClient()
     return std::make_unique<RtMidiOut>(kApi, kClientName);
 }
 
+// On Linux the system's MIDI ports are the kernel's sequencer; without its device RtMidi can
+// only fail (and the ALSA library complain).
+bool systemHasSequencer()
+{
+#if defined(__linux__)
+    std::error_code ec;
+    return std::filesystem::exists("/dev/snd/seq", ec);
+#else
+    return true;
+#endif
+}
+
 // The number of data bytes that follow a status byte.
 size_t shortMessageLength(uint32_t status)
 {
@@ -65,9 +78,25 @@ size_t shortMessageLength(uint32_t status)
 
 }  // namespace
 
+std::string systemMidiPortsProblem()
+{
+    // The learner is told why in words instead of the library's.
+    if (!systemHasSequencer())
+        return "this system has no MIDI sequencer (no /dev/snd/seq; the kernel's snd-seq module gives it), "
+               "so only the built-in synthesizer can play";
+    try {
+        std::unique_ptr<RtMidiOut> client = makeClient();
+    } catch (const RtMidiError& e) {
+        return "the system's MIDI ports cannot be used: " + e.getMessage();
+    }
+    return {};
+}
+
 std::vector<std::string> listSystemMidiPorts()
 {
     std::vector<std::string> names;
+    if (!systemHasSequencer())
+        return names;
     try {
         std::unique_ptr<RtMidiOut> client = makeClient();
         CerrToDiagnostics quiet;

@@ -14,6 +14,10 @@ namespace tarabix {
 // Empty, never an exception, when the system has no MIDI service at all.
 std::vector<std::string> listSystemMidiPorts();
 
+// Why there are no system MIDI ports at all (no sequencer on this system, or its client cannot
+// be created), in words a dialog can show; empty when the system's MIDI service works.
+std::string systemMidiPortsProblem();
+
 // One system MIDI output port, by its position in listSystemMidiPorts().
 class RtMidiPort final : public MidiOutPort {
 public:

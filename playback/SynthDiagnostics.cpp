@@ -1,11 +1,13 @@
 #include "playback/SynthDiagnostics.h"
 
 #include <fluidsynth.h>
+#include <glib.h>
 
 #ifdef TARABIX_HAVE_ALSA
 #include <alsa/asoundlib.h>
 #endif
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <deque>
@@ -29,6 +31,13 @@ std::deque<std::string>& lines()
     return kept;
 }
 
+// Lines ever added, so a mark stays meaningful after old lines are dropped.
+uint64_t& added()
+{
+    static uint64_t count = 0;
+    return count;
+}
+
 const char* levelName(int level)
 {
     switch (level) {
@@ -47,6 +56,16 @@ void fluidLog(int level, const char* message, void*)
     if (level == FLUID_DBG || !message)
         return;
     addSynthDiagnostic(std::string("fluidsynth ") + levelName(level) + ": " + message);
+}
+
+// FluidSynth hands a file its own loader refused to the instrument-patch library, which
+// complains through GLib's log without a domain ("CRITICAL **: ipatch_...").
+void glibLog(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer)
+{
+    if (level & G_LOG_LEVEL_DEBUG)
+        return;
+    const char* kind = (level & G_LOG_LEVEL_CRITICAL) ? "critical" : (level & G_LOG_LEVEL_WARNING) ? "warning" : "info";
+    addSynthDiagnostic(std::string(domain ? domain : "glib") + " " + kind + ": " + (message ? message : ""));
 }
 
 #ifdef TARABIX_HAVE_ALSA
@@ -74,6 +93,7 @@ void installSynthDiagnostics()
     std::call_once(once, [] {
         for (int level = 0; level < LAST_LOG_LEVEL; ++level)
             fluid_set_log_function(level, fluidLog, nullptr);
+        g_log_set_handler(nullptr, static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK & ~G_LOG_LEVEL_ERROR), glibLog, nullptr);
 #ifdef TARABIX_HAVE_ALSA
         snd_lib_error_set_handler(alsaError);
 #endif
@@ -85,6 +105,7 @@ void addSynthDiagnostic(std::string line)
     std::lock_guard lock(diagnosticsMutex());
     std::deque<std::string>& kept = lines();
     kept.push_back(std::move(line));
+    ++added();
     while (kept.size() > kKeptLines)
         kept.pop_front();
 }
@@ -93,6 +114,20 @@ std::vector<std::string> recentSynthDiagnostics()
 {
     std::lock_guard lock(diagnosticsMutex());
     return {lines().begin(), lines().end()};
+}
+
+uint64_t synthDiagnosticsMark()
+{
+    std::lock_guard lock(diagnosticsMutex());
+    return added();
+}
+
+std::vector<std::string> synthDiagnosticsSince(uint64_t mark)
+{
+    std::lock_guard lock(diagnosticsMutex());
+    const std::deque<std::string>& kept = lines();
+    const uint64_t fresh = std::min<uint64_t>(added() - mark, kept.size());
+    return {kept.end() - static_cast<std::ptrdiff_t>(fresh), kept.end()};
 }
 
 void clearSynthDiagnostics()

@@ -13,7 +13,8 @@ MidiOutBackend systemMidiOutBackend()
                 if (id < 0)
                     return nullptr;
                 return std::make_unique<RtMidiPort>(static_cast<unsigned>(id));
-            }};
+            },
+            systemMidiPortsProblem};
 }
 
 }  // namespace tarabix

@@ -123,7 +123,22 @@ void midiOutReset()
 
 std::string midiOutFailureReason()
 {
-    return state().failureReason;
+    const MidiMainState& s = state();
+    if (s.failureReason.empty() && s.port)
+        return s.port->failureReason();
+    return s.failureReason;
+}
+
+std::string midiOutNotice()
+{
+    const MidiMainState& s = state();
+    return s.port ? s.port->notice() : std::string();
+}
+
+std::string midiOutDevicesProblem()
+{
+    const MidiOutBackend& b = backend();
+    return b.devicesProblem ? b.devicesProblem() : std::string();
 }
 
 std::vector<MidiOutDevice> listMidiOutDevices()

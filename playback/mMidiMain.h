@@ -27,6 +27,9 @@ struct MidiOutDevice {
 struct MidiOutBackend {
     std::function<std::vector<std::string>()> deviceNames;
     std::function<std::unique_ptr<MidiOutPort>(int32_t id)> makePort;
+    // Why the system offers no devices at all (no MIDI sequencer), asked after deviceNames();
+    // may be left empty.
+    std::function<std::string()> devicesProblem = {};
 };
 
 int32_t getMidiDeviceId();
@@ -47,8 +50,18 @@ void midiOutShortMsg(uint32_t message);
 // Silences the output: sustain off and all notes off on every channel.
 void midiOutReset();
 
-// Why the last reopenMidiOut failed ("no audio output device", ...); empty after a success.
+// Why the output gives no sound ("no audio output device", ...): the last reopenMidiOut's
+// failure, or a failure the output met after it opened (the built-in synthesizer's SoundFont
+// refused while loading); empty while it plays.
 std::string midiOutFailureReason();
+
+// What the learner should know although the output plays (the system's SoundFont stands in for
+// theirs); empty when there is nothing.
+std::string midiOutNotice();
+
+// Why there are no devices beside "MIDI Mapper" (no MIDI sequencer); empty when there is no
+// such reason. Meaningful after listMidiOutDevices().
+std::string midiOutDevicesProblem();
 
 // "MIDI Mapper" as id -1, then devices 0..n-1 by name.
 std::vector<MidiOutDevice> listMidiOutDevices();

@@ -29,6 +29,8 @@ constexpr SettingRow kSettings[] = {
     {Setting::NotesPresPlayMaqam, "NotesPres_Play_Maqam", "1"},
     {Setting::UdOrient, "UdOrient", "1"},
     {Setting::TuningICateg, "TuningICateg", "0"},
+    // The built-in synthesizer's SoundFont chosen by the learner; empty: the system's.
+    {Setting::SoundFontFile, "SoundFont", ""},
 };
 
 constexpr bool tableFollowsEnum()
@@ -98,6 +100,17 @@ void UserSettings::setBool(Setting setting, bool value)
 void UserSettings::setInt(Setting setting, int32_t value)
 {
     store_->setValue(storeKey(setting), QString::number(value));
+    store_->sync();
+}
+
+std::string UserSettings::textValue(Setting setting) const
+{
+    return store_->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString().toStdString();
+}
+
+void UserSettings::setText(Setting setting, const std::string& value)
+{
+    store_->setValue(storeKey(setting), QString::fromStdString(value));
     store_->sync();
 }
 

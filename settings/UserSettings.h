@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 class QSettings;
@@ -24,6 +25,7 @@ enum class Setting {
     NotesPresPlayMaqam,
     UdOrient,
     TuningICateg,
+    SoundFontFile,
 };
 
 // What the main window takes from the store when it starts.
@@ -58,6 +60,9 @@ public:
     int32_t intValue(Setting setting) const;
     void setBool(Setting setting, bool value);
     void setInt(Setting setting, int32_t value);
+    // Free text such as a file's path, kept as given.
+    std::string textValue(Setting setting) const;
+    void setText(Setting setting, const std::string& value);
 
     // Reads the start-up options in the order the window has always read them. A value that
     // cannot be converted keeps its default and the load goes on with the next key: one damaged

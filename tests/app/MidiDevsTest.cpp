@@ -4,15 +4,19 @@
 
 #include "base/TickSource.h"
 #include "playback/RecorderPort.h"
+#include "playback/SoundFontLocator.h"
+#include "tests/playback/SoundFontBytes.h"
 #include "playback/mMidiMain.h"
 
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <map>
@@ -231,6 +235,54 @@ TEST_F(MidiDevsTest, SaysWhyADeviceIsSilent)
     fMidiDevs dlg(true);
     EXPECT_TRUE(dlg.lblStatus->isVisibleTo(&dlg));
     EXPECT_TRUE(dlg.lblStatus->text().contains("the recorder was told to fail"));
+}
+
+// The SoundFont button's file: a broken one is refused with the reason and changes nothing; a
+// good one becomes the built-in synthesizer's and is handed to the window to remember.
+TEST_F(MidiDevsTest, AChosenSoundFontIsCheckedBeforeItIsTaken)
+{
+    QTemporaryDir dir;
+    const auto write = [&dir](const char* name, const std::string& bytes) {
+        const QString path = dir.filePath(QString::fromLatin1(name));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        return path;
+    };
+    const QString good = write("lesson.sf2", test::soundFontBytes());
+    const QString text = write("notes.sf2", "my lesson notes");
+    setSoundFontOverride("");
+    fMidiDevs dlg(false);
+    dlg.show();
+    QSignalSpy chosen(&dlg, &fMidiDevs::soundFontChosen);
+
+    EXPECT_FALSE(dlg.chooseSoundFontFile(text));
+    EXPECT_EQ(chosen.count(), 0);
+    EXPECT_EQ(soundFontOverride(), "");
+    EXPECT_TRUE(dlg.lblStatus->isVisibleTo(&dlg));
+    EXPECT_TRUE(dlg.lblStatus->text().contains(QStringLiteral("it is not a SoundFont")));
+
+    EXPECT_TRUE(dlg.chooseSoundFontFile(good));
+    ASSERT_EQ(chosen.count(), 1);
+    EXPECT_EQ(chosen.at(0).at(0).toString(), good);
+    EXPECT_EQ(soundFontOverride(), good.toStdString());
+    EXPECT_TRUE(dlg.lblSoundFont->text().contains(good));
+    EXPECT_FALSE(dlg.lblStatus->isVisibleTo(&dlg));
+    setSoundFontOverride("");
+}
+
+TEST_F(MidiDevsTest, SaysWhyThereAreNoSystemPorts)
+{
+    for (const std::string problem : {"", "this system has no MIDI sequencer"}) {
+        SCOPED_TRACE(problem);
+        setMidiOutBackend({[] { return std::vector<std::string>{}; },
+                           [](int32_t) { return std::make_unique<RecorderPort>(std::make_shared<MidiRecording>()); },
+                           [problem] { return problem; }});
+        fMidiDevs dlg(false);
+        EXPECT_EQ(dlg.cmbMDevs->count(), 1);
+        EXPECT_EQ(dlg.lblPorts->isVisibleTo(&dlg), !problem.empty());
+        EXPECT_TRUE(dlg.lblPorts->text().contains(QString::fromStdString(problem)));
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // opening good and broken pieces, playing by keyboard and mouse, the instrument's choices and a
 // short piece played through to the end. Sound goes to a recorder.
 #include "MainWindowFixture.h"
+#include "playback/SoundFontLocator.h"
 
 #include "midi/MzfContainer.h"
 #include "oud/view/UdPictureWidget.h"
@@ -57,6 +58,42 @@ TEST_F(MainWindowTest, StartsQuietlyWithoutItsSampleAndWithTheRememberedChoices)
     EXPECT_EQ(w.cmbMaqams->itemText(0), QStringLiteral("--None--"));
     EXPECT_FALSE(w.cmbMaqamStarts->isEnabled());
     EXPECT_EQ(w.keyboardDownShift(), 1);
+}
+
+// An output that plays but has something to tell, as the built-in synthesizer does when the
+// system's SoundFont stands in for the learner's.
+class NoticePort final : public MidiOutPort {
+public:
+    int32_t open() override { return kMidiOutOk; }
+    int32_t close() override { return kMidiOutOk; }
+    void send(uint32_t) override {}
+    std::string notice() const override { return "The SoundFont mine.sf2 cannot be used: it is empty."; }
+};
+
+TEST_F(MainWindowTest, TheStoredSoundFontIsWantedAndAnOutputsNoticeIsShownOnce)
+{
+    {
+        QSettings store(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
+        store.setValue(QStringLiteral("options/SoundFont"), QStringLiteral("/lessons/my oud.sf2"));
+    }
+    setMidiOutBackend({[] { return std::vector<std::string>{}; }, [](int32_t) { return std::make_unique<NoticePort>(); }});
+    setSoundFontOverride("");
+    start();
+    EXPECT_EQ(soundFontOverride(), "/lessons/my oud.sf2");
+    // The activity timer looks once a second; the window re-opens the output meanwhile.
+    QTest::qWait(1200);
+    reopenMidiOut();
+    QTest::qWait(1200);
+    ASSERT_EQ(m_shown.size(), 1u);
+    EXPECT_EQ(m_shown[0].icon, QMessageBox::Information);
+    EXPECT_EQ(m_shown[0].text, QStringLiteral("The SoundFont mine.sf2 cannot be used: it is empty."));
+
+    // A SoundFont given on the command line wins over the stored one.
+    m_window.reset();
+    setSoundFontOverride("/tmp/given.sf2");
+    start();
+    EXPECT_EQ(soundFontOverride(), "/tmp/given.sf2");
+    setSoundFontOverride("");
 }
 
 TEST_F(MainWindowTest, InstrumentChoicesAreStoredTheMomentTheyChange)

@@ -70,34 +70,41 @@ TEST(FluidSynthPort, TheMapperOnAMachineWithoutSoundFailsThroughTheOutputLayer)
     resetMidiMainState();
 }
 
-TEST(FluidSynthPort, ASoundFontThatWillNotLoadLeavesItSilentWithTheReason)
+// A broken file of the learner's is known while open() runs: the system's SoundFont is chosen in
+// its place before the output says it is open, and the notice says so. The learner's next choice
+// is taken at the next open.
+TEST(FluidSynthPort, ABrokenSoundFontIsPassedOverBeforeTheOutputOpens)
 {
+    const std::string soundFont = findSoundFont();
+    if (soundFont.empty())
+        GTEST_SKIP() << "no General MIDI SoundFont installed";
     const std::string raw = scratchPath("bad-sf.raw");
     const std::string fake = scratchPath("not-a-soundfont.sf2");
     std::ofstream(fake) << "RIFF but not really";
     FluidSynthPort port(fileDriver(fake, raw));
+    testing::internal::CaptureStderr();
     ASSERT_EQ(port.open(), kMidiOutOk);
-    EXPECT_FALSE(port.waitUntilReady(10000));
-    EXPECT_EQ(port.state(), FluidSynthPort::State::Failed);
-    EXPECT_NE(port.failureReason().find("could not be loaded"), std::string::npos);
-    port.send(0x643C90);
+    EXPECT_EQ(port.soundFontPath(), soundFont);
+    EXPECT_NE(port.notice().find(fake), std::string::npos);
+    EXPECT_NE(port.notice().find("not a SoundFont"), std::string::npos);
+    EXPECT_TRUE(port.waitUntilReady(20000));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     port.close();
-    EXPECT_EQ(port.open(), kMidiOutNoDevice);
+
+    setSoundFontOverride(soundFont);
+    FluidSynthPort chosen(fileDriver("", raw));
+    ASSERT_EQ(chosen.open(), kMidiOutOk);
+    EXPECT_EQ(chosen.notice(), "");
+    EXPECT_TRUE(chosen.waitUntilReady(20000));
+    chosen.close();
+    setSoundFontOverride(fake);
+    ASSERT_EQ(chosen.open(), kMidiOutOk);
+    EXPECT_NE(chosen.notice().find(fake), std::string::npos);
+    EXPECT_TRUE(chosen.waitUntilReady(20000));
+    chosen.close();
+    setSoundFontOverride("");
     std::filesystem::remove(fake);
     std::filesystem::remove(raw);
-}
-
-TEST(SoundFontLocator, TheUsersSoundFontComesFirstWhenItCanBeRead)
-{
-    const std::string mine = scratchPath("mine.sf2");
-    std::ofstream(mine) << "x";
-    setSoundFontOverride(mine);
-    EXPECT_EQ(findSoundFont(), mine);
-    std::filesystem::remove(mine);
-    EXPECT_NE(findSoundFont(), mine);
-    EXPECT_EQ(soundFontCandidates().front(), mine);
-    setSoundFontOverride("");
-    EXPECT_NE(soundFontCandidates().front(), mine);
 }
 
 TEST(FluidSynthPort, PlaysWhatWasSentWhileTheSoundFontLoadedAndOpensAgainAfterAClose)

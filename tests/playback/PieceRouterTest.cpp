@@ -103,6 +103,7 @@ TEST_F(PieceRouterTest, MutedChannelsAreDroppedWholeAndShownChannelsMarked)
     router.unmarkNote = [&](int ch, int note, int32_t) {
         marks.push_back("off " + std::to_string(ch) + ":" + std::to_string(note));
     };
+    router.setVolume(127);  // velocities pass unchanged
     router.setChannelEnabled(1, false);
     router.setChannelShown(2, false);
     router.setMidiOctShift(-1);

@@ -71,6 +71,9 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
     settings.setBool(Setting::MkbDoubling, true);
     settings.setInt(Setting::UdOrient, 3);
     settings.setInt(Setting::TuningICateg, -2);
+    EXPECT_EQ(settings.textValue(Setting::SoundFontFile), "");
+    const std::string soundFont = "/home/learner/My SoundFonts/عود, ney=1.sf2";
+    settings.setText(Setting::SoundFontFile, soundFont);
     // Read from the file while the store is still open: nothing waits for the program to exit.
     const std::string text = stored();
     for (const char* line : {"[options]\n", "approxQrt=False\n", "MKB-Doubling=True\n", "UdOrient=3\n", "TuningICateg=-2\n"})
@@ -81,6 +84,7 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
     EXPECT_TRUE(reopened.boolValue(Setting::MkbDoubling));
     EXPECT_EQ(reopened.udOrient(), 3);
     EXPECT_EQ(reopened.tuningICateg(), -2);
+    EXPECT_EQ(reopened.textValue(Setting::SoundFontFile), soundFont);
 }
 
 // Makes a file or folder unwritable for this process while it lives: by its mode for an ordinary

@@ -9,8 +9,9 @@
 
 namespace tarabix::cli {
 
-// Lists the MIDI outputs with their ids, "MIDI Mapper" (the built-in synthesizer) first, and
-// says why the built-in synthesizer would be silent when it cannot play.
+// Lists the MIDI outputs with their ids, "MIDI Mapper" (the built-in synthesizer) first with the
+// SoundFont it plays, and says why an output is silent or missing: no SoundFont, the learner's
+// SoundFont passed over for the system's, no MIDI sequencer.
 int devices(const Args& args)
 {
     bool verbose = false;
@@ -24,13 +25,15 @@ int devices(const Args& args)
             return 2;
         }
     }
-    const std::string userSoundFont = soundFontOverride();
-    if (!userSoundFont.empty() && findSoundFont() != userSoundFont)
-        std::fprintf(stderr, "tarabix-cli: cannot read the SoundFont %s\n", userSoundFont.c_str());
 
     FluidSynthPort synth;
     const int32_t synthResult = synth.open();
-    const std::string soundFont = findSoundFont();
+    // The full load decides whether the chosen file really plays; it is quick with the file's
+    // presets read on demand.
+    if (synthResult == kMidiOutOk)
+        synth.waitUntilReady(30000);
+    const std::string soundFont = synth.soundFontPath();
+    const std::string silentBecause = synth.failureReason();
     for (const MidiOutDevice& device : listMidiOutDevices()) {
         if (device.id != kMidiMapperId) {
             std::printf("%3d  %s\n", device.id, device.name.c_str());
@@ -39,11 +42,15 @@ int devices(const Args& args)
         std::printf("%3d  %s (built-in synthesizer", device.id, device.name.c_str());
         if (!soundFont.empty())
             std::printf(", %s", soundFont.c_str());
-        if (synthResult == kMidiOutOk)
+        if (silentBecause.empty())
             std::printf(")\n");
         else
-            std::printf("): silent, %s\n", synth.failureReason().c_str());
+            std::printf("): silent, %s\n", silentBecause.c_str());
     }
+    if (const std::string notice = synth.notice(); !notice.empty())
+        std::printf("     %s\n", notice.c_str());
+    if (const std::string problem = midiOutDevicesProblem(); !problem.empty())
+        std::printf("     No system MIDI ports: %s.\n", problem.c_str());
     synth.close();
     if (verbose) {
         for (const std::string& line : recentSynthDiagnostics())

@@ -6,6 +6,7 @@
 #include "midi/MidiFile.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRouter.h"
+#include "playback/SoundFontLocator.h"
 #include "playback/mMidiMain.h"
 #include "playback/qt/QtPlayerWait.h"
 
@@ -22,7 +23,7 @@ namespace {
 int usage()
 {
     std::fputs("usage: tarabix-cli play FILE [--device ID|null] [--speed R] [--from SECONDS] [--timing-log CSV]\n"
-               "                       [--precise-timer | --busy-wait]\n",
+               "                       [--precise-timer | --busy-wait] [--soundfont FILE]\n",
                stderr);
     return 2;
 }
@@ -82,6 +83,8 @@ int play(const Args& args)
             if (!value)
                 return usage();
             fromMs = *value;
+        } else if (a == "--soundfont" && hasValue) {
+            setSoundFontOverride(args[++i]);
         } else if (a == "--timing-log" && hasValue) {
             timingLogPath = args[++i];
         } else if (a == "--busy-wait") {
@@ -118,6 +121,10 @@ int play(const Args& args)
     if (reopenMidiOut() != kMidiOutOk)
         std::fprintf(stderr, "tarabix-cli play: no sound from MIDI output %d (%s); playing on silently\n",
                      getMidiDeviceId(), midiOutFailureReason().c_str());
+    // A SoundFont passed over at the open is known now; one refused by the full load, later.
+    std::string notice = midiOutNotice();
+    if (!notice.empty())
+        std::fprintf(stderr, "tarabix-cli play: %s\n", notice.c_str());
 
     MonotonicClock clock;
     QtPlayerWait wait(strategy);
@@ -149,6 +156,8 @@ int play(const Args& args)
                      e.number());
         exitCode = 1;
     }
+    if (const std::string later = midiOutNotice(); later != notice && !later.empty())
+        std::fprintf(stderr, "tarabix-cli play: %s\n", later.c_str());
     midiOutReset();
     closeMidiOut();
     resetMidiMainState();

@@ -14,7 +14,8 @@ namespace {
 int usage()
 {
     std::fputs("usage: tarabix-cli render FILE -o OUT.wav [--speed R] [--octave N] [--volume V]\n"
-               "                         [--from SECONDS] [--length SECONDS]\n",
+               "                         [--from SECONDS] [--length SECONDS] [--soundfont FILE]
+",
                stderr);
     return 2;
 }
@@ -43,6 +44,8 @@ int render(const Args& args)
             if (!octave || *octave < -10 || *octave > 10)
                 return usage();
             options.midiOctShift = *octave;
+        } else if (a == "--soundfont" && hasValue) {
+            options.soundFontPath = args[++i];
         } else if (a == "--volume" && hasValue) {
             const auto volume = parseInt(args[++i]);
             if (!volume || *volume < 0 || *volume > 127)
@@ -81,6 +84,8 @@ int render(const Args& args)
     const auto started = std::chrono::steady_clock::now();
     const PieceRenderResult result = renderPieceToWav(piece, output, options);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    if (!result.notice.empty())
+        std::fprintf(stderr, "tarabix-cli render: %s\n", result.notice.c_str());
     if (!result.ok) {
         std::fprintf(stderr, "tarabix-cli render: %s\n", result.error.c_str());
         return 1;

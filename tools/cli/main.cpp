@@ -16,9 +16,11 @@ constexpr Command kCommands[] = {
     {"version", "version              print the program's name and version", tarabix::cli::version},
     {"devices", "devices [-v]         list the MIDI outputs and their ids (--soundfont FILE)", tarabix::cli::devices},
     {"dump", "dump FILE            write the text dump of a MIDI file", tarabix::cli::dump},
-    {"play", "play FILE            play in real time (--device ID|null, --speed R, --from S, --timing-log CSV)",
+    {"play", "play FILE            play in real time (--device ID|null, --speed R, --from S, --timing-log CSV,\n"
+             "                         --soundfont FILE)",
      tarabix::cli::play},
-    {"render", "render FILE -o OUT.wav  write the piece as audio (--speed R, --octave N, --volume V)",
+    {"render", "render FILE -o OUT.wav  write the piece as audio (--speed R, --octave N, --volume V,\n"
+             "                         --soundfont FILE)",
      tarabix::cli::render},
     {"scale", "scale MAQAM TONIC    the places of a maqam's notes (--tuning ID, --view 0..3, --names western|solfege)",
      tarabix::cli::scale},

@@ -1,0 +1,185 @@
+#include "SoundFontBytes.h"
+#include "playback/FluidSynthEngine.h"
+#include "playback/SoundFontCheck.h"
+#include "playback/SoundFontLocator.h"
+#include "playback/SynthDiagnostics.h"
+#include "tests/common/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace tarabix {
+namespace {
+
+namespace fs = std::filesystem;
+using test::soundFontBytes;
+using test::SoundFontShape;
+
+const std::string kSystemSoundFont = "/usr/share/sounds/sf2/FluidR3_GM.sf2";
+
+class SoundFontFiles : public ::testing::Test {
+protected:
+    // Writes bytes at a path under the temporary folder, making its folders.
+    std::string put(const std::string& relative, const std::string& bytes)
+    {
+        fs::create_directories(fs::path(dir_.path(relative)).parent_path());
+        return dir_.write(relative, bytes);
+    }
+    std::string folder(const std::string& relative) const { return dir_.path(relative); }
+
+    test::TempFolder dir_{::testing::UnitTest::GetInstance()->current_test_info()->name()};
+};
+
+TEST_F(SoundFontFiles, TheQuickCheckTellsABrokenFileFromAGoodOne)
+{
+    const std::string good = soundFontBytes();
+    std::string badTable = good;
+    badTable.replace(badTable.find("pbag") + 4, 4, test::le(6, 4));  // not a whole number of records
+    // An odd last chunk whose pad byte the writer counted but left out.
+    std::string unpadded = good + test::riffChunk("note", "odd");
+    unpadded.replace(4, 4, test::le(static_cast<uint32_t>(unpadded.size() - 8), 4));
+    unpadded.pop_back();
+    struct Case {
+        const char* name;
+        std::string bytes;
+        const char* problem;  // empty: passes
+    };
+    const Case cases[] = {
+        {"empty.sf2", "", "it is empty"},
+        {"notes.sf2", "These are my lesson notes, not a SoundFont.\n", "it is not a SoundFont"},
+        {"wave.sf2", "RIFF" + test::le(4, 4) + "WAVE", "it is not a SoundFont"},
+        {"tiny.sf2", "RIF", "it is not a SoundFont"},
+        {"truncated.sf2", good.substr(0, good.size() / 2), "it is truncated"},
+        {"no-presets.sf2", soundFontBytes(SoundFontShape{1, false}), "preset list is missing"},
+        {"bad-table.sf2", badTable, "table 'pbag' has a broken length"},
+        {"good.sf2", good, ""},
+        {"unpadded.sf2", unpadded, ""},
+        {"short-by-two.sf2", unpadded.substr(0, unpadded.size() - 1), "it is truncated"},
+        {"out-of-order.sf3", soundFontBytes(SoundFontShape{0, true}), ""},  // only the synthesizer sees this
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const SoundFontCheck check = checkSoundFontFile(put(c.name, c.bytes));
+        EXPECT_EQ(check.ok, std::string(c.problem).empty());
+        EXPECT_NE(check.problem.find(c.problem), std::string::npos) << check.problem;
+    }
+    EXPECT_EQ(checkSoundFontFile(folder("missing.sf2")).problem, "there is no such file");
+    EXPECT_EQ(checkSoundFontFile(folder("")).problem, "it is not a file");
+    if (fs::exists(kSystemSoundFont)) {
+        EXPECT_TRUE(checkSoundFontFile(kSystemSoundFont).ok) << checkSoundFontFile(kSystemSoundFont).problem;
+    }
+}
+
+TEST_F(SoundFontFiles, TheSearchPrefersGeneralMidiNamesThenFolderOrderAndSkipsBrokenFiles)
+{
+    const std::string good = soundFontBytes();
+    const std::vector<std::string> folders = {folder("mine"), folder("program"), folder("system")};
+    struct Case {
+        std::vector<std::pair<std::string, std::string>> files;  // relative path, bytes
+        std::string expected;                                     // relative path, "" for none
+    };
+    const Case cases[] = {
+        {{}, ""},
+        {{{"system/other.sf2", good}}, "system/other.sf2"},
+        {{{"mine/other.sf2", good}, {"system/FluidR3_GM.sf2", good}}, "system/FluidR3_GM.sf2"},
+        {{{"program/default.sf2", good}, {"program/FluidR3_GM.sf3", good}}, "program/FluidR3_GM.sf3"},
+        {{{"system/default-GM.sf3", good}, {"system/default-GM.sf2", good}}, "system/default-GM.sf2"},
+        {{{"mine/default.sf2", good}, {"system/FluidR3_GM.sf2", good}}, "mine/default.sf2"},
+        {{{"mine/FluidR3_GM.sf2", ""}, {"program/default.sf2", good}}, "program/default.sf2"},
+        {{{"mine/FluidR3_GM.sf2", "text"}, {"mine/b.SF2", good}, {"mine/a.txt", good}}, "mine/b.SF2"},
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        SCOPED_TRACE(i);
+        fs::remove_all(folder(""));
+        for (const auto& [path, bytes] : cases[i].files)
+            put(path, bytes);
+        const std::string expected = cases[i].expected.empty() ? "" : folder(cases[i].expected);
+        EXPECT_EQ(findSoundFont(folders), expected);
+    }
+    // A file passed over is passed over under another name too.
+    fs::remove_all(folder(""));
+    const std::string real = put("system/FluidR3_GM.sf2", good);
+    fs::create_symlink(real, folder("system/default-GM.sf2"));
+    const std::string second = put("system/zz.sf3", good);
+    EXPECT_EQ(findSoundFont(folders, folder("system/default-GM.sf2")), second);
+}
+
+TEST(SoundFontFolders, TheProgramsThenTheLearnersThenTheSystemsWithoutDuplicates)
+{
+    SoundFontPlaces places;
+    places.programFolder = "/opt/tarabix";
+    places.dataHome = "/home/a/.local/share";
+    places.dataDirs = {"/usr/share/", "/usr/local/share", "/usr/share"};
+    EXPECT_EQ(soundFontFolders(places),
+              (std::vector<std::string>{"/opt/tarabix/sf2", "/home/a/.local/share/soundfonts",
+                                        "/home/a/.local/share/sounds/sf2", "/home/a/.local/share/sounds/sf3",
+                                        "/usr/share/soundfonts", "/usr/share/sounds/sf2", "/usr/share/sounds/sf3",
+                                        "/usr/local/share/soundfonts", "/usr/local/share/sounds/sf2",
+                                        "/usr/local/share/sounds/sf3"}));
+    // The system's folders are searched whatever the desktop sets.
+    setenv("XDG_DATA_DIRS", "/flatpak/share", 1);
+    const std::vector<std::string> real = soundFontFolders();
+    unsetenv("XDG_DATA_DIRS");
+    EXPECT_NE(std::ranges::find(real, "/flatpak/share/soundfonts"), real.end());
+    EXPECT_NE(std::ranges::find(real, "/usr/share/sounds/sf2"), real.end());
+    EXPECT_NE(std::ranges::find(real, "/usr/share/soundfonts"), real.end());
+}
+
+TEST_F(SoundFontFiles, TheLearnersBrokenFileGivesWayToTheSystemsWithANotice)
+{
+    const std::string good = soundFontBytes();
+    const std::string mine = put("mine.sf2", good.substr(0, 100));
+    const std::string text = put("notes.sf2", "lesson notes");
+    const std::vector<std::string> none = {folder("empty")};
+    const std::vector<std::string> system = {folder("system")};
+    const std::string fallback = put("system/FluidR3_GM.sf2", good);
+
+    const SoundFontChoice kept = chooseSoundFont(fallback, none);
+    EXPECT_EQ(kept.path, fallback);
+    EXPECT_EQ(kept.notice, "");
+
+    const SoundFontChoice replaced = chooseSoundFont(mine, system);
+    EXPECT_EQ(replaced.path, fallback);
+    EXPECT_NE(replaced.notice.find(mine), std::string::npos);
+    EXPECT_NE(replaced.notice.find("truncated"), std::string::npos);
+    EXPECT_NE(replaced.notice.find(fallback), std::string::npos);
+    EXPECT_EQ(replaced.reason, "");
+
+    const SoundFontChoice silent = chooseSoundFont(text, none);
+    EXPECT_EQ(silent.path, "");
+    EXPECT_NE(silent.notice.find("silent"), std::string::npos);
+    EXPECT_NE(silent.reason.find(text), std::string::npos);
+    EXPECT_NE(silent.reason.find("not a SoundFont"), std::string::npos);
+
+    const SoundFontChoice nothing = chooseSoundFont("", none);
+    EXPECT_EQ(nothing.path, "");
+    EXPECT_EQ(nothing.notice, "");
+    EXPECT_NE(nothing.reason.find("no General MIDI SoundFont found"), std::string::npos);
+}
+
+// A file with a good outline that the synthesizer still refuses: the system's SoundFont plays in
+// its place, the learner is told, and the synthesizer's own words stay off the terminal.
+TEST_F(SoundFontFiles, AFileTheSynthesizerRefusesGivesWayAtTheFullLoad)
+{
+    const std::string refused = put("refused.sf2", soundFontBytes(SoundFontShape{0, true}));
+    FluidSynthEngine engine(44100.0);
+    ASSERT_TRUE(engine.valid());
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(engine.loadSoundFont(refused));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_NE(engine.reason().find("could not be loaded: fluidsynth"), std::string::npos) << engine.reason();
+
+    EXPECT_TRUE(engine.loadSoundFont(put("good.sf2", soundFontBytes())));
+    if (!fs::exists(kSystemSoundFont))
+        GTEST_SKIP() << "no General MIDI SoundFont installed";
+    SoundFontChoice choice{refused, "", ""};
+    EXPECT_TRUE(engine.loadChosenSoundFont(choice));
+    EXPECT_TRUE(fs::equivalent(choice.path, kSystemSoundFont)) << choice.path;
+    EXPECT_NE(choice.notice.find(refused), std::string::npos);
+    EXPECT_NE(choice.notice.find("could not be loaded"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tarabix
