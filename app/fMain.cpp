@@ -6,6 +6,7 @@
 #include "oud/view/UdPictureWidget.h"
 #include "oud/view/UdResources.h"
 #include "playback/qt/QtPlayerWait.h"
+#include "playback/SystemMidiOut.h"
 #include "playback/mMidiMain.h"
 #include "settings/UserSettings.h"
 
@@ -80,6 +81,7 @@ bool fMain::load()
     m_fillingControls = false;
     m_initialising = false;
 
+    setBuiltInSynthLatencyMs(m_settings->synthLatencyMs());
     reopenMidiOut();
     m_deviceHeld = true;
     tmrAct->start();

@@ -11,6 +11,7 @@
 #include "app/fNotesOpts.h"
 #include "app/fSheet.h"
 #include "midi/MzfContainer.h"
+#include "settings/UserSettings.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -33,6 +34,8 @@ void fMain::connectMenus()
     connect(mnu_Opts_Devs, &QAction::triggered, this, [this] {
         auto* dialog = new fMidiDevs(m_deviceHeld, this);
         dialog->setAttribute(Qt::WA_DeleteOnClose);
+        connect(dialog, &fMidiDevs::latencyChosen, this,
+                [this](int ms) { m_settings->setInt(Setting::SynthLatencyMS, ms); });
         dialog->open();
     });
     for (int i = 0; i < 4; ++i)

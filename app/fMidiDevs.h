@@ -10,6 +10,7 @@
 class QComboBox;
 class QLabel;
 class QPushButton;
+class QSpinBox;
 
 namespace tarabix {
 
@@ -33,6 +34,8 @@ public:
     QLabel* lblPrompt = nullptr;
     QComboBox* cmbMDevs = nullptr;
     QLabel* lblStatus = nullptr;
+    QSpinBox* spnLatency = nullptr;
+    QLabel* lblOutput = nullptr;
     QPushButton* cmdTest = nullptr;
     QPushButton* cmdOK = nullptr;
     QPushButton* cmdCancel = nullptr;
@@ -40,6 +43,8 @@ public:
 signals:
     void testFinished();
     void deviceChosen(int32_t id);
+    // The built-in synthesizer's latency was changed on OK (the window keeps it in the settings).
+    void latencyChosen(int ms);
 
 private:
     void buildControls();

@@ -29,6 +29,8 @@ constexpr SettingRow kSettings[] = {
     {Setting::NotesPresPlayMaqam, "NotesPres_Play_Maqam", "1"},
     {Setting::UdOrient, "UdOrient", "1"},
     {Setting::TuningICateg, "TuningICateg", "0"},
+    // The lowest latency that plays without dropouts on the common sound servers.
+    {Setting::SynthLatencyMS, "SynthLatencyMS", "10"},
 };
 
 constexpr bool tableFollowsEnum()

@@ -24,6 +24,7 @@ enum class Setting {
     NotesPresPlayMaqam,
     UdOrient,
     TuningICateg,
+    SynthLatencyMS,
 };
 
 // What the main window takes from the store when it starts.
@@ -67,6 +68,8 @@ public:
     // Read later in start-up, by the resources check.
     int32_t udOrient() const { return intValue(Setting::UdOrient); }
     int32_t tuningICateg() const { return intValue(Setting::TuningICateg); }
+    // The built-in synthesizer's output latency in ms, as the learner chose it in the device dialog.
+    int32_t synthLatencyMs() const { return intValue(Setting::SynthLatencyMS); }
 
 private:
     std::unique_ptr<QSettings> store_;

@@ -6,7 +6,9 @@
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 #include "playback/MidiPlayer.h"
+#include "playback/AudioDriverSettings.h"
 #include "playback/PieceRouter.h"
+#include "playback/SystemMidiOut.h"
 #include "playback/mMidiMain.h"
 #include "playback/qt/QtPlayerWait.h"
 
@@ -14,6 +16,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace tarabix::cli {
@@ -23,7 +26,7 @@ namespace {
 int usage()
 {
     std::fputs("usage: tarabix-cli play FILE [--device ID|null] [--speed R] [--from SECONDS] [--timing-log CSV]\n"
-               "                       [--precise-timer | --busy-wait]\n",
+               "                       [--precise-timer | --busy-wait] [--latency MS] [--audio-out OUT.wav]\n",
                stderr);
     return 2;
 }
@@ -63,6 +66,7 @@ int play(const Args& args)
     std::string input;
     std::string timingLogPath;
     std::string device;
+    std::string audioOut;
     double speed = 1.0;
     double fromSeconds = 0.0;
     QtPlayerWait::Strategy strategy = QtPlayerWait::bestStrategy();
@@ -83,6 +87,13 @@ int play(const Args& args)
             if (!value || !(*value >= 0.0 && *value <= 2000000.0))
                 return usage();
             fromSeconds = *value;
+        } else if (a == "--latency" && hasValue) {
+            const auto value = parseInt(args[++i]);
+            if (!value || *value < kMinSynthLatencyMs || *value > kMaxSynthLatencyMs)
+                return usage();
+            setBuiltInSynthLatencyMs(*value);
+        } else if (a == "--audio-out" && hasValue) {
+            audioOut = args[++i];
         } else if (a == "--timing-log" && hasValue) {
             timingLogPath = args[++i];
         } else if (a == "--busy-wait") {
@@ -95,7 +106,7 @@ int play(const Args& args)
             return usage();
         }
     }
-    if (input.empty())
+    if (input.empty() || (!audioOut.empty() && !device.empty()))
         return usage();
 
     MidiFile piece;
@@ -115,6 +126,10 @@ int play(const Args& args)
                            [](int32_t) { return std::make_unique<DiscardPort>(); }});
     } else if (!device.empty()) {
         setMidiDeviceId(*parseInt(device));
+    } else if (!audioOut.empty()) {
+        // The built-in synthesizer in real time, its sound going to the file in place of the
+        // sound card: the same driver path and timing as a listener hears.
+        setBuiltInSynthAudioFile(audioOut);
     }
     if (reopenMidiOut() != kMidiOutOk)
         std::fprintf(stderr, "tarabix-cli play: no sound from MIDI output %d (%s); playing on silently\n",
@@ -127,6 +142,7 @@ int play(const Args& args)
     router.resetChannelState();
     std::vector<TimingRecord> timing;
     player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec) {
+        const MidiOutDueTime due(player.currentDueMs());
         router.route(status, c1, c2);
         if (!timingLogPath.empty())
             timing.push_back({absMSec, player.currentDueMs(), clock.micros()});
@@ -150,9 +166,13 @@ int play(const Args& args)
                      e.number());
         exitCode = 1;
     }
+    // The last notes are still waiting for their sample or ringing: let the file have them.
+    if (!audioOut.empty())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
     midiOutReset();
     closeMidiOut();
     resetMidiMainState();
+    setBuiltInSynthAudioFile({});
 
     if (!timingLogPath.empty() && !writeTimingLog(timingLogPath, timing)) {
         std::fprintf(stderr, "tarabix-cli play: cannot write %s\n", timingLogPath.c_str());
