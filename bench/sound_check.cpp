@@ -1,11 +1,13 @@
 // The pieces and the measurements of the sound scripts (bench/heard_timing.sh,
 // bench/desktop_sound.sh):
 //   sound_check write-clicks OUT.mid COUNT INTERVAL_MS   clicks on a wood block, the first at 1 s
-//   sound_check write-probe OUT.mid SECONDS              C4 + 50 cents, E4 - 50 cents, G4 on an organ
+//   sound_check write-probe OUT.mid SECONDS              C4 + 50 cents, E4 - 50 cents, G4 on a clarinet
+//   sound_check write-quiet OUT.mid SECONDS              one note at the start and one at the end
 //   sound_check onsets IN.wav INTERVAL_MS                click onsets against their best-fitting grid
 //   sound_check probe IN.wav                             dropouts inside the notes and their pitch
 // Only 16-bit PCM WAV files (FluidSynth's file driver, parec) are read.
 #include "midi/MidiFile.h"
+#include "tests/playback/PitchEstimator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,6 +17,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -66,10 +69,11 @@ int writeClicks(const char* path, int count, int intervalMs)
 
 int writeProbe(const char* path, int seconds)
 {
-    constexpr int kDrawbarOrgan = 16;
+    // A steady tone whose fundamental is its strongest partial (an organ here sounds octaves below).
+    constexpr int kClarinet = 71;
     std::vector<ListedEvent> events;
     for (const ProbeNote& n : kProbe) {
-        events.push_back(programChange(n.channel, kDrawbarOrgan));
+        events.push_back(programChange(n.channel, kClarinet));
         // The piece's wheel gives the channel its quarter tone before the note (4096 per 100 cents).
         const int bend = 8192 + n.cents * 4096 / 100;
         events.push_back(channelEvent(0, 0xE0 + n.channel, bend & 127, bend >> 7));
@@ -79,6 +83,16 @@ int writeProbe(const char* path, int seconds)
         events.push_back(channelEvent(t, 0x90 + n.channel, n.note, 100));
         events.push_back(channelEvent(t + kProbeNoteMs, 0x80 + n.channel, n.note, 0));
     }
+    MidiFile piece;
+    piece.setFromList(events);
+    return piece.toFile(path) == 0 ? 0 : 1;
+}
+
+int writeQuiet(const char* path, int seconds)
+{
+    const std::vector<ListedEvent> events = {channelEvent(500, 0x90, 64, 100), channelEvent(1000, 0x80, 64, 0),
+                                             channelEvent(seconds * 1000, 0x90, 67, 100),
+                                             channelEvent(seconds * 1000 + 500, 0x80, 67, 0)};
     MidiFile piece;
     piece.setFromList(events);
     return piece.toFile(path) == 0 ? 0 : 1;
@@ -169,84 +183,47 @@ int onsets(const Wav& wav, int intervalMs)
     return 0;
 }
 
-// The fundamental between 100 and 1000 Hz by autocorrelation, refined between samples.
-double pitchHz(const std::vector<double>& x, size_t from, size_t count, double rate)
-{
-    const int minLag = static_cast<int>(rate / 1000);
-    const int maxLag = static_cast<int>(rate / 100);
-    if (from + count + maxLag + 1 > x.size())
-        return 0;
-    auto corr = [&](int lag) {
-        double s = 0;
-        for (size_t i = 0; i < count; ++i)
-            s += x[from + i] * x[from + i + lag];
-        return s;
-    };
-    std::vector<double> c(maxLag + 2);
-    for (int lag = minLag - 1; lag <= maxLag + 1; ++lag)
-        c[lag] = corr(lag);
-    const double best = *std::max_element(c.begin() + minLag, c.begin() + maxLag + 1);
-    // The first peak near the best is the fundamental (not a multiple of its period).
-    for (int lag = minLag; lag <= maxLag; ++lag) {
-        if (c[lag] > 0.9 * best && c[lag] >= c[lag - 1] && c[lag] >= c[lag + 1]) {
-            const double denom = c[lag - 1] - 2 * c[lag] + c[lag + 1];
-            const double shift = denom != 0 ? 0.5 * (c[lag - 1] - c[lag + 1]) / denom : 0;
-            return rate / (lag + shift);
-        }
-    }
-    return 0;
-}
-
-// Notes are where the sound is above a hundredth of the peak for a tenth of a second or more; a
-// dropout is a run of 1 ms or more inside a note where it falls under a thousandth of the peak.
+// The notes are found by the probe's own schedule from the first sound on; a dropout is a
+// millisecond that falls under a thousandth of the peak while the sound 5 ms before and after it
+// is above a tenth: a gap inside a note, not its end.
 int probe(const Wav& wav)
 {
     double peak = 0;
     for (double x : wav.mono)
         peak = std::max(peak, std::fabs(x));
-    if (peak == 0) {
+    if (peak < 0.01) {
         std::puts("no sound");
         return 1;
     }
-    const auto ms = [&](double m) { return static_cast<size_t>(wav.rate * m / 1000); };
-    // Envelope: the largest magnitude in each 1 ms window.
-    std::vector<double> env(wav.mono.size() / ms(1));
+    const auto frames = [&](double ms) { return static_cast<size_t>(wav.rate * ms / 1000); };
+    std::vector<double> env(wav.mono.size() / frames(1));
     for (size_t w = 0; w < env.size(); ++w)
-        for (size_t i = 0; i < ms(1); ++i)
-            env[w] = std::max(env[w], std::fabs(wav.mono[w * ms(1) + i]));
-    int notes = 0;
+        for (size_t i = 0; i < frames(1); ++i)
+            env[w] = std::max(env[w], std::fabs(wav.mono[w * frames(1) + i]));
     int dropouts = 0;
-    std::vector<double> centsOff[3];
-    for (size_t w = 0; w < env.size();) {
-        if (env[w] < peak / 100) {
-            ++w;
-            continue;
-        }
-        size_t end = w;
-        // A note ends at 50 ms of quiet: a dropout is shorter.
-        size_t quiet = 0;
-        while (end < env.size() && quiet < 50) {
-            quiet = env[end] < peak / 100 ? quiet + 1 : 0;
-            ++end;
-        }
-        end -= quiet;
-        if (end - w >= 100) {
-            for (size_t i = w + 5; i + 5 < end; ++i)
-                if (env[i] < peak / 1000 && env[i - 1] >= peak / 1000)
+    for (size_t w = 5; w + 5 < env.size(); ++w)
+        if (env[w] < peak / 1000 && env[w - 1] >= peak / 1000 && env[w - 5] > peak / 10)
+            for (size_t after = w + 1; after < std::min(env.size(), w + 40); ++after)
+                if (env[after] > peak / 10) {
                     ++dropouts;
-            const double hz = pitchHz(wav.mono, (w + (end - w) / 2) * ms(1), ms(100), wav.rate);
-            const double refs[3] = {261.6256 * std::pow(2, 50 / 1200.0), 329.6276 * std::pow(2, -50 / 1200.0), 391.9954};
-            for (int k = 0; k < 3; ++k)
-                if (hz > 0 && std::fabs(1200 * std::log2(hz / refs[k])) < 100)
-                    centsOff[k].push_back(1200 * std::log2(hz / refs[k]));
-            ++notes;
-        }
-        w = end + 1;
+                    break;
+                }
+    size_t first = 0;
+    while (first < env.size() && env[first] < peak / 10)
+        ++first;
+    const double refs[3] = {261.6256 * std::pow(2, 50 / 1200.0), 329.6276 * std::pow(2, -50 / 1200.0), 391.9954};
+    std::vector<double> centsOff[3];
+    int notes = 0;
+    for (size_t start = first; start + kProbeNoteMs < env.size(); start += kProbeNoteMs + kProbeGapMs, ++notes) {
+        const std::span<const double> steady(wav.mono.data() + frames(start + kProbeNoteMs / 2.0), frames(200));
+        const double hz = test::fundamentalHz(steady, wav.rate, 100, 1000);
+        if (hz > 0)
+            centsOff[notes % 3].push_back(1200 * std::log2(hz / refs[notes % 3]));
     }
     std::printf("notes %d dropouts %d", notes, dropouts);
     const char* names[3] = {"C4+50", "E4-50", "G4"};
     for (int k = 0; k < 3; ++k)
-        std::printf(" %s_cents %.2f", names[k], percentile(centsOff[k], 0.5));
+        std::printf(" %s_cents %+.2f", names[k], percentile(centsOff[k], 0.5));
     std::printf(" peak_dbfs %.1f\n", 20 * std::log10(peak));
     return 0;
 }
@@ -260,6 +237,8 @@ int main(int argc, char** argv)
         return writeClicks(argv[2], std::clamp(std::atoi(argv[3]), 1, 100000), std::clamp(std::atoi(argv[4]), 10, 10000));
     if (mode == "write-probe" && argc == 4)
         return writeProbe(argv[2], std::clamp(std::atoi(argv[3]), 3, 3600));
+    if (mode == "write-quiet" && argc == 4)
+        return writeQuiet(argv[2], std::clamp(std::atoi(argv[3]), 3, 3600));
     if ((mode == "onsets" && argc == 4) || (mode == "probe" && argc == 3)) {
         Wav wav;
         if (!readWav(argv[2], wav)) {
@@ -269,6 +248,7 @@ int main(int argc, char** argv)
         return mode == "probe" ? probe(wav) : onsets(wav, std::clamp(std::atoi(argv[3]), 10, 10000));
     }
     std::fputs("usage: sound_check write-clicks OUT.mid COUNT INTERVAL_MS | write-probe OUT.mid SECONDS\n"
+               "                   | write-quiet OUT.mid SECONDS\n"
                "                   | onsets IN.wav INTERVAL_MS | probe IN.wav\n",
                stderr);
     return 2;

@@ -166,6 +166,10 @@ int play(const Args& args)
                      e.number());
         exitCode = 1;
     }
+    const std::string output = midiOutDescription();
+    if (output.ends_with(", stopped"))
+        std::fprintf(stderr, "tarabix-cli play: the sound output stopped during the piece (%s); played on silently\n",
+                     output.c_str());
     // The last notes are still waiting for their sample or ringing: let the file have them.
     if (!audioOut.empty())
         std::this_thread::sleep_for(std::chrono::milliseconds(1000));
