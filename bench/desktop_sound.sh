@@ -3,8 +3,8 @@
 # PulseAudio and then a PipeWire (with pipewire-pulse and WirePlumber), each with a null sink,
 # plays the probe (C4 + 50 cents, E4 - 50 cents, G4 on a clarinet) through `tarabix-cli play`,
 # records the sink's monitor with parec and reports dropouts inside the notes, the pitches, the
-# stream's latency as the server reports it, and the CPU of a silent program plus its server
-# over 10 s (from /proc/PID/stat). Each server plays the probe alone and beside one busy process,
+# stream's latency as the server reports it, the CPU of a silent program plus its server over
+# 10 s (from /proc/PID/stat), and how long the first note after a silence waits for the audio. Each server plays the probe alone and beside one busy process,
 # and once more while the server is killed under it (the program must play on silently).
 #
 #   bench/desktop_sound.sh [BUILD_DIR] [SECONDS] [LATENCY_MS] [SERVERS]
@@ -21,7 +21,8 @@ latency=${3:-}
 read -r -a serverList <<<"${4:-pulseaudio pipewire}"
 cli=$(realpath "$build/bin/tarabix-cli")
 check=$(realpath "$build/bench/sound_check")
-for exe in "$cli" "$check"; do
+wake=$(realpath "$build/bench/synth_wake_bench")
+for exe in "$cli" "$check" "$wake"; do
     [[ -x $exe ]] || { echo "desktop_sound: $exe not built" >&2; exit 1; }
 done
 
@@ -156,6 +157,13 @@ idle_cpu() {
         'BEGIN { printf "  %-34s program %.2f s + server %.2f s = %.2f s CPU in 10 s\n", "silent", a - b, s - t, a - b + s - t }'
 }
 
+# The first note after the audio was let go: how long its send waits for the driver (mean of 20).
+wake_time() {
+    local ms
+    ms=$(TARABIX_WAKE_DRIVER=pulseaudio "$wake" 2>/dev/null | awk '/^WakeForANote/ { print $2 }')
+    printf '  %-34s %s ms\n' "note after the audio was let go" "${ms:-?}"
+}
+
 # The server is killed 3 s into the piece: the program must end normally and say so.
 server_dies() {
     "$cli" play "$tmp/probe10.mid" "${latencyArgs[@]}" 2>"$tmp/dies.err" &
@@ -181,6 +189,7 @@ for server in "${serverList[@]}"; do
     stop_pids "${busy[@]}"
     busy=()
     idle_cpu
+    wake_time
     server_dies
     stop_servers
 done

@@ -6,9 +6,10 @@
 
 namespace tarabix {
 
-// The lowest output latency that plays without dropouts on the desktop sound servers we meet
-// (PulseAudio and PipeWire through its PulseAudio service), and the range the learner may choose.
-inline constexpr int kDefaultSynthLatencyMs = 10;
+// The lowest output latency that plays without dropouts on both desktop sound servers we meet:
+// PulseAudio needs 20 ms through FluidSynth's driver (10 and 12 ms still drop out now and then),
+// PipeWire grants about half of it as its own latency. And the range the learner may choose.
+inline constexpr int kDefaultSynthLatencyMs = 20;
 inline constexpr int kMinSynthLatencyMs = 3;
 inline constexpr int kMaxSynthLatencyMs = 100;
 
@@ -17,7 +18,6 @@ struct AudioDriverSettings {
     int periodSize = 64;  // frames the synthesizer renders per write
     int periods = 2;      // periods in the device buffer (where the driver uses it)
     std::vector<std::pair<std::string, int>> intSettings;
-    std::vector<std::pair<std::string, std::string>> stringSettings;
     // Audio the device holds ahead of what is heard, in ms, as asked of the driver; 0 when the
     // driver's server decides alone (JACK).
     double bufferMs = 0.0;

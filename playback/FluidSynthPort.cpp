@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <filesystem>
 #include <mutex>
 #include <thread>
 
@@ -45,7 +46,12 @@ std::vector<std::string> defaultAudioDrivers()
 #elif defined(_WIN32)
     return {"wasapi", "dsound"};
 #else
-    // JACK is left out on purpose: its client library can abort the process when no server runs.
+    // JACK only when its server runs: its client library can abort the process when none does.
+    // A running server keeps its shared-memory registry in /dev/shm under a "jack" name.
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ec))
+        if (entry.path().filename().string().starts_with("jack"))
+            return {"jack", "pulseaudio", "alsa"};
     return {"pulseaudio", "alsa"};
 #endif
 }
@@ -98,8 +104,6 @@ struct FluidSynthPort::Impl {
             fluid_settings_setint(settings, "audio.periods", s.periods);
             for (const auto& [key, value] : s.intSettings)
                 fluid_settings_setint(settings, key.c_str(), value);
-            for (const auto& [key, value] : s.stringSettings)
-                fluid_settings_setstr(settings, key.c_str(), value.c_str());
             for (const auto& [key, value] : options.driverSettings)
                 fluid_settings_setstr(settings, key.c_str(), value.c_str());
             fluid_settings_setstr(settings, "audio.driver", name.c_str());

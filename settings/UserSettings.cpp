@@ -29,8 +29,9 @@ constexpr SettingRow kSettings[] = {
     {Setting::NotesPresPlayMaqam, "NotesPres_Play_Maqam", "1"},
     {Setting::UdOrient, "UdOrient", "1"},
     {Setting::TuningICateg, "TuningICateg", "0"},
-    // The lowest latency that plays without dropouts on the common sound servers.
-    {Setting::SynthLatencyMS, "SynthLatencyMS", "10"},
+    // The lowest latency that plays without dropouts on the common sound servers (the built-in
+    // synthesizer's own default, kDefaultSynthLatencyMs).
+    {Setting::SynthLatencyMS, "SynthLatencyMS", "20"},
 };
 
 constexpr bool tableFollowsEnum()
