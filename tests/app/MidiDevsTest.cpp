@@ -2,7 +2,9 @@
 
 #include "DialogTesting.h"
 
+#include "playback/AudioDriverSettings.h"
 #include "playback/RecorderPort.h"
+#include "playback/SystemMidiOut.h"
 #include "playback/mMidiMain.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +14,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTest>
 
 #include <map>
@@ -184,6 +187,39 @@ TEST_F(MidiDevsTest, SaysWhyADeviceIsSilent)
     fMidiDevs dlg(true);
     EXPECT_TRUE(dlg.lblStatus->isVisibleTo(&dlg));
     EXPECT_TRUE(dlg.lblStatus->text().contains("the recorder was told to fail"));
+}
+
+// The built-in synthesizer's latency changes only on OK, and only a change is reported for the
+// window to keep.
+TEST_F(MidiDevsTest, TheLatencyIsTakenOnOkOnly)
+{
+    struct Case {
+        int value;
+        bool ok;
+        int expected;
+        bool reported;
+    };
+    const Case cases[] = {
+        {35, true, 35, true},
+        {kDefaultSynthLatencyMs, true, kDefaultSynthLatencyMs, false},
+        {50, false, kDefaultSynthLatencyMs, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.value);
+        setBuiltInSynthLatencyMs(kDefaultSynthLatencyMs);
+        fMidiDevs dlg(false);
+        dlg.show();
+        EXPECT_EQ(dlg.spnLatency->value(), kDefaultSynthLatencyMs);
+        QSignalSpy chosen(&dlg, &fMidiDevs::latencyChosen);
+        dlg.spnLatency->setValue(c.value);
+        test::click(c.ok ? dlg.cmdOK : dlg.cmdCancel);
+        EXPECT_EQ(builtInSynthLatencyMs(), c.expected);
+        ASSERT_EQ(chosen.count(), c.reported ? 1 : 0);
+        if (c.reported) {
+            EXPECT_EQ(chosen.at(0).at(0).toInt(), c.value);
+        }
+    }
+    setBuiltInSynthLatencyMs(kDefaultSynthLatencyMs);
 }
 
 }  // namespace
