@@ -37,6 +37,13 @@ bool isSoundingNoteOn(uint32_t message)
     return (shortMessageStatus(message) & 0xF0) == 0x90 && shortMessageData2(message) != 0;
 }
 
+// Sustain, all sound off, all notes off: what silences a channel.
+bool isChannelCut(uint32_t message)
+{
+    const uint32_t controller = shortMessageData1(message);
+    return (shortMessageStatus(message) & 0xF0) == 0xB0 && (controller == 64 || controller == 120 || controller == 123);
+}
+
 }  // namespace
 
 std::vector<std::string> defaultAudioDrivers()
@@ -227,6 +234,8 @@ struct FluidSynthPort::Impl {
             if (dueMs && driver && timeline && timeline->valid()) {
                 timeline->sendAt(message, *dueMs);
                 scheduled = true;
+            } else if (!dueMs && driver && timeline && isChannelCut(message)) {
+                timeline->sendAfterPending(message);
             }
         }
         if (!scheduled)

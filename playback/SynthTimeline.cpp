@@ -89,7 +89,19 @@ void SynthTimeline::sendAt(uint32_t message, int32_t dueMs)
     EventHolder holder;
     if (!holder.event || !fillEvent(holder.event, message))
         return;
-    fluid_sequencer_send_at(m_seq, holder.event, tickFor(dueMs), 1);
+    m_lastTick = tickFor(dueMs);
+    fluid_sequencer_send_at(m_seq, holder.event, m_lastTick, 1);
+}
+
+void SynthTimeline::sendAfterPending(uint32_t message)
+{
+    if (!m_seq || m_lastTick < fluid_sequencer_get_tick(m_seq))
+        return;
+    EventHolder holder;
+    if (!holder.event || !fillEvent(holder.event, message))
+        return;
+    // One tick later: at the same tick a note-on would still come after it.
+    fluid_sequencer_send_at(m_seq, holder.event, m_lastTick + 1, 1);
 }
 
 void SynthTimeline::dropPending()

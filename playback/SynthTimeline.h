@@ -30,6 +30,11 @@ public:
 
     void sendAt(uint32_t message, int32_t dueMs);
 
+    // A message that silences a channel (all notes off, all sound off, sustain off) sent without a
+    // due time: it also goes in after everything already waiting, so a note queued just before it
+    // cannot start after it and hang.
+    void sendAfterPending(uint32_t message);
+
     // Forgets every message still waiting: after a reset nothing queued may sound.
     void dropPending();
     // The next stamp ties the clocks again (the sample clock stood still while the audio was off).
@@ -54,6 +59,7 @@ private:
     int32_t m_anchorDueMs = 0;
     unsigned int m_anchorTick = 0;
     int32_t m_lastDueMs = 0;
+    unsigned int m_lastTick = 0;
     int64_t m_late = 0;
 };
 
