@@ -6,8 +6,9 @@
 #include "oud/view/UdPictureWidget.h"
 #include "oud/view/UdResources.h"
 #include "playback/SoundFontLocator.h"
-#include "playback/qt/QtPlayerWait.h"
+#include "playback/SystemMidiOut.h"
 #include "playback/mMidiMain.h"
+#include "playback/qt/QtPlayerWait.h"
 #include "settings/UserSettings.h"
 
 #include <QAbstractButton>
@@ -84,6 +85,7 @@ bool fMain::load()
     // The SoundFont from the command line wins for this run over the one chosen before.
     if (soundFontOverride().empty())
         setSoundFontOverride(m_settings->textValue(Setting::SoundFontFile));
+    setBuiltInSynthLatencyMs(m_settings->synthLatencyMs());
     reopenMidiOut();
     m_deviceHeld = true;
     tmrAct->start();

@@ -36,6 +36,8 @@ void fMain::connectMenus()
         connect(dialog, &fMidiDevs::soundFontChosen, this, [this](const QString& path) {
             m_settings->setText(Setting::SoundFontFile, path.toStdString());
         });
+        connect(dialog, &fMidiDevs::latencyChosen, this,
+                [this](int ms) { m_settings->setInt(Setting::SynthLatencyMS, ms); });
         dialog->open();
     });
     for (int i = 0; i < 4; ++i)

@@ -218,6 +218,8 @@ void fMain::m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec)
         sldPosition->setValue(positionRangeSeconds(absMSec));
         lblPieceTime->setText(pieceTimeText(absMSec));
     }
+    // The synthesizer sounds the event at its due time, however late this thread got here.
+    const MidiOutDueTime due(m_player.currentDueMs());
     m_router.route(status, c1, c2);
 }
 

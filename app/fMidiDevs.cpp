@@ -3,8 +3,10 @@
 #include "app/DialogButtons.h"
 
 #include "app/AppIdentity.h"
+#include "playback/AudioDriverSettings.h"
 #include "playback/SoundFontCheck.h"
 #include "playback/SoundFontLocator.h"
+#include "playback/SystemMidiOut.h"
 #include "playback/mMidiMain.h"
 
 #include <QComboBox>
@@ -15,6 +17,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 #include <iterator>
@@ -56,6 +59,10 @@ fMidiDevs::fMidiDevs(bool deviceHeld, QWidget* parent)
 
     const int32_t id = getMidiDeviceId();
     const std::string sharedFailure = midiOutFailureReason();
+    // What the shared output achieved, read before this dialog lets go of it.
+    const std::string output = midiOutDescription();
+    if (!output.empty())
+        lblOutput->setText(tr("Playing through: %1").arg(QString::fromStdString(output)));
     if (m_sharedClosed)
         closeMidiOut();
     for (const MidiOutDevice& device : listMidiOutDevices())
@@ -115,6 +122,20 @@ void fMidiDevs::buildControls()
     cmdSoundFont->setToolTip(tr("Choose the General MIDI SoundFont (.sf2 or .sf3) of the built-in synthesizer"));
     soundFontRow->addWidget(cmdSoundFont);
     layout->addLayout(soundFontRow);
+    // The built-in synthesizer's output latency: lower answers notes played by hand sooner,
+    // higher survives a busier machine.
+    auto* latencyRow = new QHBoxLayout;
+    latencyRow->addWidget(new QLabel(tr("Built-in synthesizer latency:"), this));
+    spnLatency = new QSpinBox(this);
+    spnLatency->setRange(kMinSynthLatencyMs, kMaxSynthLatencyMs);
+    spnLatency->setSuffix(QStringLiteral(" ms"));
+    spnLatency->setValue(builtInSynthLatencyMs());
+    latencyRow->addWidget(spnLatency);
+    latencyRow->addStretch(1);
+    layout->addLayout(latencyRow);
+    lblOutput = new QLabel(this);
+    lblOutput->setWordWrap(true);
+    layout->addWidget(lblOutput);
 
     lblStatus = new QLabel(this);
     lblStatus->setWordWrap(true);
@@ -256,6 +277,11 @@ void fMidiDevs::cmdOK_Click()
         const int32_t id = cmbMDevs->currentIndex() - 1;
         setMidiDeviceId(id);
         emit deviceChosen(id);
+    }
+    // Applies at the re-open that follows when the dialog closes.
+    if (spnLatency->value() != builtInSynthLatencyMs()) {
+        setBuiltInSynthLatencyMs(spnLatency->value());
+        emit latencyChosen(spnLatency->value());
     }
     accept();
 }

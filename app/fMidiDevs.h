@@ -10,6 +10,7 @@
 class QComboBox;
 class QLabel;
 class QPushButton;
+class QSpinBox;
 
 namespace tarabix {
 
@@ -41,6 +42,8 @@ public:
     QLabel* lblSoundFont = nullptr;
     QLabel* lblPorts = nullptr;
     QPushButton* cmdSoundFont = nullptr;
+    QSpinBox* spnLatency = nullptr;
+    QLabel* lblOutput = nullptr;
     QPushButton* cmdTest = nullptr;
     QPushButton* cmdOK = nullptr;
     QPushButton* cmdCancel = nullptr;
@@ -50,6 +53,8 @@ signals:
     void deviceChosen(int32_t id);
     // A SoundFont that passed the check; the main window remembers it.
     void soundFontChosen(const QString& path);
+    // The built-in synthesizer's latency was changed on OK (the window keeps it in the settings).
+    void latencyChosen(int ms);
 
 private:
     void buildControls();

@@ -2,10 +2,13 @@
 
 #include "playback/FluidSynthEngine.h"
 #include "playback/SoundFontLocator.h"
+#include "playback/SynthTimeline.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <filesystem>
 #include <mutex>
 #include <thread>
 
@@ -14,6 +17,33 @@ namespace tarabix {
 namespace {
 // A start-up's worth of program changes and wheels; beyond that the oldest intent is stale.
 constexpr size_t kMaxPendingMessages = 1024;
+
+// While notes still ring after the quiet time, look again this often.
+constexpr int64_t kRingingRecheckMs = 250;
+// A running driver whose synth rendered nothing for this long of real time has lost its sound
+// server. Long enough that a loaded machine's stall is not taken for it.
+constexpr auto kStalledAfter = std::chrono::seconds(2);
+// How often a lost sound server is tried again, at the notes played meanwhile.
+constexpr int64_t kRetryLostAudioMs = 2000;
+
+int64_t steadyMs()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+bool isSoundingNoteOn(uint32_t message)
+{
+    return (shortMessageStatus(message) & 0xF0) == 0x90 && shortMessageData2(message) != 0;
+}
+
+// Sustain, all sound off, all notes off: what silences a channel.
+bool isChannelCut(uint32_t message)
+{
+    const uint32_t controller = shortMessageData1(message);
+    return (shortMessageStatus(message) & 0xF0) == 0xB0 && (controller == 64 || controller == 120 || controller == 123);
+}
+
 }  // namespace
 
 std::vector<std::string> defaultAudioDrivers()
@@ -23,7 +53,12 @@ std::vector<std::string> defaultAudioDrivers()
 #elif defined(_WIN32)
     return {"wasapi", "dsound"};
 #else
-    // JACK is left out on purpose: its client library can abort the process when no server runs.
+    // JACK only when its server runs: its client library can abort the process when none does.
+    // A running server keeps its shared-memory registry in /dev/shm under a "jack" name.
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ec))
+        if (entry.path().filename().string().starts_with("jack"))
+            return {"jack", "pulseaudio", "alsa"};
     return {"pulseaudio", "alsa"};
 #endif
 }
@@ -51,21 +86,164 @@ struct FluidSynthPort::Impl {
         reason = std::move(text);
     }
 
+    // The audio side: the driver, the idle pause and the watcher. Taken without `mutex` held.
+    mutable std::mutex audioMutex;
+    std::condition_variable watcherWake;
+    std::thread watcher;
+    bool stopWatcher = false;
+    bool paused = false;  // let go while idle; the next note-on starts it again
+    bool lost = false;    // the sound server went away; tried again now and then
+    int64_t lastActivityMs = 0;
+    int64_t lastRetryMs = 0;
+    unsigned int lastTicks = 0;
+    std::chrono::steady_clock::time_point lastTicksChange;
+    std::string driverName;
+    AudioDriverSettings chosen;
+    std::unique_ptr<SynthTimeline> timeline;
+
+    int64_t now() const { return options.clockMs ? options.clockMs() : steadyMs(); }
+
     bool startAudio()
     {
         fluid_settings_t* settings = engine->settings();
-        fluid_settings_setint(settings, "audio.period-size", options.periodSize);
-        fluid_settings_setint(settings, "audio.periods", options.periods);
-        for (const auto& [name, value] : options.driverSettings)
-            fluid_settings_setstr(settings, name.c_str(), value.c_str());
+        const int latency = options.latencyMs ? options.latencyMs() : kDefaultSynthLatencyMs;
         for (const std::string& name : options.audioDrivers) {
+            const AudioDriverSettings s = chooseAudioDriverSettings(name, latency, options.sampleRate);
+            fluid_settings_setint(settings, "audio.period-size", s.periodSize);
+            fluid_settings_setint(settings, "audio.periods", s.periods);
+            for (const auto& [key, value] : s.intSettings)
+                fluid_settings_setint(settings, key.c_str(), value);
+            for (const auto& [key, value] : options.driverSettings)
+                fluid_settings_setstr(settings, key.c_str(), value.c_str());
             fluid_settings_setstr(settings, "audio.driver", name.c_str());
             driver = new_fluid_audio_driver(settings, engine->synth());
-            if (driver)
+            if (driver) {
+                driverName = name;
+                chosen = s;
+                timeline->setLeadMs(s.burstMs + options.scheduleMarginMs);
+                lastTicks = timeline->sampleClockMs();
+                lastTicksChange = std::chrono::steady_clock::now();
                 return true;
+            }
         }
         return false;
     }
+
+    void stopAudio()
+    {
+        delete_fluid_audio_driver(driver);
+        driver = nullptr;
+    }
+
+    // With audioMutex held: the audio runs again if it was paused or lost, before the note that
+    // needs it is played. False when it cannot (the note then goes unheard, the state is kept).
+    bool wakeAudio()
+    {
+        if (driver)
+            return true;
+        if (lost && now() - lastRetryMs < kRetryLostAudioMs)
+            return false;
+        lastRetryMs = now();
+        if (!startAudio()) {
+            lost = true;
+            setReason("the sound output stopped and cannot be opened again; playing on silently");
+            return false;
+        }
+        if (lost)
+            setReason({});
+        paused = false;
+        lost = false;
+        if (timeline)
+            timeline->restartClock();
+        watcherWake.notify_all();
+        return true;
+    }
+
+    // With audioMutex held: the next time the watcher should look, in ms on the port's clock.
+    int64_t checkIdleLocked()
+    {
+        const int64_t t = now();
+        if (!driver)
+            return t + options.idlePauseMs;
+        const unsigned int ticks = timeline->sampleClockMs();
+        const auto realNow = std::chrono::steady_clock::now();
+        if (ticks != lastTicks) {
+            lastTicks = ticks;
+            lastTicksChange = realNow;
+        } else if (realNow - lastTicksChange >= kStalledAfter) {
+            // The audio thread stopped (its server died): let go of the driver and say so.
+            stopAudio();
+            lost = true;
+            lastRetryMs = t;
+            setReason("the sound output stopped; playing on silently");
+            return t + options.idlePauseMs;
+        }
+        const int64_t quietUntil = lastActivityMs + options.idlePauseMs;
+        if (t < quietUntil)
+            return quietUntil;
+        if (fluid_synth_get_active_voice_count(engine->synth()) > 0)
+            return t + kRingingRecheckMs;
+        stopAudio();
+        paused = true;
+        return t + options.idlePauseMs;
+    }
+
+    void watch()
+    {
+        std::unique_lock lock(audioMutex);
+        while (!stopWatcher) {
+            if (!driver) {
+                watcherWake.wait(lock);
+                continue;
+            }
+            const int64_t next = checkIdleLocked();
+            const int64_t waitMs = std::max<int64_t>(next - now(), 1);
+            // Also wakes every second while playing, to notice a stalled audio thread.
+            watcherWake.wait_for(lock, std::chrono::milliseconds(std::min<int64_t>(waitMs, 1000)));
+        }
+    }
+
+    void startWatcher()
+    {
+        if (!options.idleWatcher || watcher.joinable())
+            return;
+        stopWatcher = false;
+        watcher = std::thread([this] { watch(); });
+    }
+
+    void stopWatcherThread()
+    {
+        {
+            std::lock_guard lock(audioMutex);
+            stopWatcher = true;
+        }
+        watcherWake.notify_all();
+        if (watcher.joinable())
+            watcher.join();
+    }
+
+    // A message for the synth once the SoundFont is in: a note-on needs the audio running.
+    void deliver(uint32_t message, const int32_t* dueMs)
+    {
+        bool scheduled = false;
+        {
+            std::lock_guard lock(audioMutex);
+            if (isSoundingNoteOn(message)) {
+                lastActivityMs = now();
+                wakeAudio();
+            }
+            // Without audio the sample clock stands still: the message changes the synth now.
+            if (dueMs && driver && timeline && timeline->valid()) {
+                timeline->sendAt(message, *dueMs);
+                scheduled = true;
+            } else if (!dueMs && driver && timeline && isChannelCut(message)) {
+                timeline->sendAfterPending(message);
+            }
+        }
+        if (!scheduled)
+            engine->dispatch(message);
+    }
+
 
     // The learner's file: the one given to this output, else the program's current choice.
     std::string wantedSoundFont() const
@@ -129,6 +307,7 @@ FluidSynthPort::FluidSynthPort(FluidSynthPortOptions options) : m_impl(std::make
 FluidSynthPort::~FluidSynthPort()
 {
     close();
+    m_impl->stopWatcherThread();
     if (m_impl->loader.joinable())
         m_impl->loader.join();
 }
@@ -154,10 +333,20 @@ int32_t FluidSynthPort::open()
     }
     if (choose && !d.chooseSoundFontNow(wanted))
         return kMidiOutNoDevice;
-    if (!d.startAudio()) {
-        d.setReason("no audio output device");
-        return kMidiOutNoDevice;
+    if (!d.timeline)
+        d.timeline = std::make_unique<SynthTimeline>(*d.engine, 0.0);
+    {
+        std::lock_guard lock(d.audioMutex);
+        if (!d.startAudio()) {
+            d.setReason("no audio output device");
+            return kMidiOutNoDevice;
+        }
+        d.paused = false;
+        d.lost = false;
+        d.lastActivityMs = d.now();
+        d.timeline->restartClock();
     }
+    d.startWatcher();
     {
         std::lock_guard lock(d.mutex);
         d.reason.clear();
@@ -182,8 +371,12 @@ int32_t FluidSynthPort::close()
         if (d.loaded)
             fluid_synth_all_sounds_off(d.engine->synth(), -1);
     }
-    delete_fluid_audio_driver(d.driver);
-    d.driver = nullptr;
+    std::lock_guard lock(d.audioMutex);
+    if (d.timeline)
+        d.timeline->dropPending();
+    d.stopAudio();
+    d.paused = false;
+    d.lost = false;
     return kMidiOutOk;
 }
 
@@ -200,7 +393,60 @@ void FluidSynthPort::send(uint32_t message)
             return;
         }
     }
-    d.engine->dispatch(message);
+    d.deliver(message, nullptr);
+}
+
+void FluidSynthPort::sendAt(uint32_t message, int32_t dueMs)
+{
+    Impl& d = *m_impl;
+    if (!d.isOpen)
+        return;
+    bool loaded = false;
+    {
+        std::lock_guard lock(d.mutex);
+        loaded = d.loaded;
+    }
+    // Before the SoundFont is in there is no sound to place: it joins the queue of the load.
+    if (loaded)
+        d.deliver(message, &dueMs);
+    else
+        send(message);
+}
+
+void FluidSynthPort::reset()
+{
+    {
+        std::lock_guard lock(m_impl->audioMutex);
+        if (m_impl->timeline)
+            m_impl->timeline->dropPending();
+    }
+    MidiOutPort::reset();
+}
+
+bool FluidSynthPort::audioRunning() const
+{
+    std::lock_guard lock(m_impl->audioMutex);
+    return m_impl->driver != nullptr;
+}
+
+void FluidSynthPort::checkIdle()
+{
+    std::lock_guard lock(m_impl->audioMutex);
+    m_impl->checkIdleLocked();
+}
+
+std::string FluidSynthPort::outputDescription() const
+{
+    const Impl& d = *m_impl;
+    std::lock_guard lock(d.audioMutex);
+    if (d.driverName.empty())
+        return {};
+    std::string text = describeAudioOutput(d.driverName, d.chosen, d.options.sampleRate);
+    if (d.paused)
+        text += ", resting while silent";
+    else if (d.lost)
+        text += ", stopped";
+    return text;
 }
 
 std::string FluidSynthPort::failureReason() const

@@ -37,6 +37,15 @@ public:
     virtual int32_t close() = 0;
     virtual void send(uint32_t message) = 0;
 
+    // A message of a piece with the time it is due, in ms on the player's clock. An output that
+    // can schedule (the built-in synthesizer) plays it at that moment plus a small constant
+    // lead, whenever it got here; the others play it now.
+    virtual void sendAt(uint32_t message, int32_t dueMs)
+    {
+        (void)dueMs;
+        send(message);
+    }
+
     // Silences everything: sustain off, then all notes off, on every channel. Sustain goes first
     // because a device keeps notes held by the pedal through an all-notes-off.
     virtual void reset();
@@ -49,6 +58,10 @@ public:
     // Something the learner should hear of although the output plays, e.g. that the built-in
     // synthesizer plays the system's SoundFont in place of theirs; empty when there is nothing.
     virtual std::string notice() const { return {}; }
+
+    // What the output plays through, for the device dialog ("pulseaudio, 10.0 ms ..."); empty
+    // when there is nothing to tell.
+    virtual std::string outputDescription() const { return {}; }
 };
 
 }  // namespace tarabix

@@ -23,6 +23,7 @@ struct MidiMainState {
     std::unique_ptr<MidiOutPort> port;
     int32_t portId = 0;
     std::string failureReason;
+    std::optional<int32_t> dueMs;
 };
 
 MidiMainState& state()
@@ -41,8 +42,13 @@ MidiOutBackend& backend()
 
 void send(uint32_t message)
 {
-    if (MidiOutPort* port = state().port.get())
-        port->send(message);
+    MidiMainState& s = state();
+    if (!s.port)
+        return;
+    if (s.dueMs)
+        s.port->sendAt(message, *s.dueMs);
+    else
+        s.port->send(message);
 }
 
 }  // namespace
@@ -119,6 +125,22 @@ void midiOutReset()
 {
     if (MidiOutPort* port = state().port.get())
         port->reset();
+}
+
+MidiOutDueTime::MidiOutDueTime(int32_t dueMs) : m_outer(state().dueMs)
+{
+    state().dueMs = dueMs;
+}
+
+MidiOutDueTime::~MidiOutDueTime()
+{
+    state().dueMs = m_outer;
+}
+
+std::string midiOutDescription()
+{
+    const MidiMainState& s = state();
+    return s.port ? s.port->outputDescription() : std::string{};
 }
 
 std::string midiOutFailureReason()

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,24 @@ void midiOutShortMsg(uint32_t message);
 
 // Silences the output: sustain off and all notes off on every channel.
 void midiOutReset();
+
+// While one lives, every message sent carries the player's due time of the event being
+// delivered, so the built-in synthesizer sounds it at that moment even when the sending thread
+// is late. Messages sent without one (notes played by hand, resets) play now. The player's owner
+// opens one around routing each due event.
+class MidiOutDueTime {
+public:
+    explicit MidiOutDueTime(int32_t dueMs);
+    ~MidiOutDueTime();
+    MidiOutDueTime(const MidiOutDueTime&) = delete;
+    MidiOutDueTime& operator=(const MidiOutDueTime&) = delete;
+
+private:
+    std::optional<int32_t> m_outer;
+};
+
+// What the open output plays through (the device dialog shows it); empty when nothing is open.
+std::string midiOutDescription();
 
 // Why the output gives no sound ("no audio output device", ...): the last reopenMidiOut's
 // failure, or a failure the output met after it opened (the built-in synthesizer's SoundFont

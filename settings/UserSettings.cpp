@@ -31,6 +31,9 @@ constexpr SettingRow kSettings[] = {
     {Setting::TuningICateg, "TuningICateg", "0"},
     // The built-in synthesizer's SoundFont chosen by the learner; empty: the system's.
     {Setting::SoundFontFile, "SoundFont", ""},
+    // The lowest latency that plays without dropouts on the common sound servers (the built-in
+    // synthesizer's own default, kDefaultSynthLatencyMs).
+    {Setting::SynthLatencyMS, "SynthLatencyMS", "20"},
 };
 
 constexpr bool tableFollowsEnum()

@@ -26,6 +26,7 @@ enum class Setting {
     UdOrient,
     TuningICateg,
     SoundFontFile,
+    SynthLatencyMS,
 };
 
 // What the main window takes from the store when it starts.
@@ -72,6 +73,8 @@ public:
     // Read later in start-up, by the resources check.
     int32_t udOrient() const { return intValue(Setting::UdOrient); }
     int32_t tuningICateg() const { return intValue(Setting::TuningICateg); }
+    // The built-in synthesizer's output latency in ms, as the learner chose it in the device dialog.
+    int32_t synthLatencyMs() const { return intValue(Setting::SynthLatencyMS); }
 
 private:
     std::unique_ptr<QSettings> store_;

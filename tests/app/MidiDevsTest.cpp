@@ -3,8 +3,10 @@
 #include "DialogTesting.h"
 
 #include "base/TickSource.h"
+#include "playback/AudioDriverSettings.h"
 #include "playback/RecorderPort.h"
 #include "playback/SoundFontLocator.h"
+#include "playback/SystemMidiOut.h"
 #include "tests/playback/SoundFontBytes.h"
 #include "playback/mMidiMain.h"
 
@@ -16,6 +18,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -283,6 +286,39 @@ TEST_F(MidiDevsTest, SaysWhyThereAreNoSystemPorts)
         EXPECT_EQ(dlg.lblPorts->isVisibleTo(&dlg), !problem.empty());
         EXPECT_TRUE(dlg.lblPorts->text().contains(QString::fromStdString(problem)));
     }
+}
+
+// The built-in synthesizer's latency changes only on OK, and only a change is reported for the
+// window to keep.
+TEST_F(MidiDevsTest, TheLatencyIsTakenOnOkOnly)
+{
+    struct Case {
+        int value;
+        bool ok;
+        int expected;
+        bool reported;
+    };
+    const Case cases[] = {
+        {35, true, 35, true},
+        {kDefaultSynthLatencyMs, true, kDefaultSynthLatencyMs, false},
+        {50, false, kDefaultSynthLatencyMs, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.value);
+        setBuiltInSynthLatencyMs(kDefaultSynthLatencyMs);
+        fMidiDevs dlg(false);
+        dlg.show();
+        EXPECT_EQ(dlg.spnLatency->value(), kDefaultSynthLatencyMs);
+        QSignalSpy chosen(&dlg, &fMidiDevs::latencyChosen);
+        dlg.spnLatency->setValue(c.value);
+        test::click(c.ok ? dlg.cmdOK : dlg.cmdCancel);
+        EXPECT_EQ(builtInSynthLatencyMs(), c.expected);
+        ASSERT_EQ(chosen.count(), c.reported ? 1 : 0);
+        if (c.reported) {
+            EXPECT_EQ(chosen.at(0).at(0).toInt(), c.value);
+        }
+    }
+    setBuiltInSynthLatencyMs(kDefaultSynthLatencyMs);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace tarabix {
 namespace {
@@ -133,6 +135,60 @@ TEST(FluidSynthPort, PlaysWhatWasSentWhileTheSoundFontLoadedAndOpensAgainAfterAC
         EXPECT_EQ(port.close(), kMidiOutOk);
         EXPECT_EQ(port.close(), kMidiOutInvalidHandle);
     }
+    std::filesystem::remove(raw);
+}
+
+// The quiet time is counted on a virtual clock; the watcher thread is off and the test looks for
+// the pause itself, so nothing here depends on how fast the machine is.
+TEST(FluidSynthPort, SilenceLetsTheAudioGoAndTheNextNoteBringsItBack)
+{
+    const std::string soundFont = findSoundFont();
+    if (soundFont.empty())
+        GTEST_SKIP() << "no General MIDI SoundFont installed";
+    const std::string raw = scratchPath("idle.raw");
+    int64_t nowMs = 1000;
+    FluidSynthPortOptions options = fileDriver(soundFont, raw);
+    options.idlePauseMs = 3000;
+    options.clockMs = [&nowMs] { return nowMs; };
+    options.idleWatcher = false;
+    FluidSynthPort port(options);
+    ASSERT_EQ(port.open(), kMidiOutOk);
+    ASSERT_TRUE(port.waitUntilReady(20000));
+
+    struct Step {
+        int64_t advanceMs;
+        uint32_t send;  // 0: nothing
+        bool running;   // after the step and an idle check
+    };
+    const Step steps[] = {
+        {2999, 0, true},          // not yet quiet long enough since the open
+        {1, 0, false},            // now it is: let go
+        {10000, 0x10C0, false},   // a program change needs no sound: it stays let go
+        {10, 0x643C90, true},     // a note-on brings it back before it plays
+        {5000, 0, true},          // the note is held: it sounds on, however long
+        {0, 0x3C80, true},        // released; the quiet time starts again
+        {2000, 0x10B0, true},     // a controller is no note: the quiet time runs on
+        {0, 0x78B0, true},        // all sound off, so nothing rings
+    };
+    for (size_t i = 0; i < std::size(steps); ++i) {
+        SCOPED_TRACE(i);
+        nowMs += steps[i].advanceMs;
+        if (steps[i].send != 0)
+            port.send(steps[i].send);
+        port.checkIdle();
+        EXPECT_EQ(port.audioRunning(), steps[i].running);
+    }
+    EXPECT_EQ(port.outputDescription(), "file, 1.5 ms (64 frames at 44100 Hz)");
+    // Once the cut voices are gone (a block or two of audio), the quiet time ends as counted from
+    // the released note.
+    nowMs += 1000;
+    for (int tries = 0; tries < 2000 && port.audioRunning(); ++tries) {
+        port.checkIdle();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_FALSE(port.audioRunning());
+    EXPECT_NE(port.outputDescription().find("resting while silent"), std::string::npos);
+    port.close();
     std::filesystem::remove(raw);
 }
 

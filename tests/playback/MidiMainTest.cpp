@@ -233,3 +233,46 @@ TEST(BendToCents, RoundsAndQuantisesToQuarterTones)
 
 }  // namespace
 }  // namespace tarabix
+
+namespace tarabix {
+namespace {
+
+// An output that keeps each message with the due time it came with (-1: none).
+class StampPort final : public MidiOutPort {
+public:
+    explicit StampPort(std::vector<std::pair<uint32_t, int32_t>>& sent) : m_sent(sent) {}
+    int32_t open() override { return kMidiOutOk; }
+    int32_t close() override { return kMidiOutOk; }
+    void send(uint32_t message) override { m_sent.emplace_back(message, -1); }
+    void sendAt(uint32_t message, int32_t dueMs) override { m_sent.emplace_back(message, dueMs); }
+
+private:
+    std::vector<std::pair<uint32_t, int32_t>>& m_sent;
+};
+
+TEST(MidiMain, APiecesDueTimeTravelsWithEveryMessageOfItsEvent)
+{
+    std::vector<std::pair<uint32_t, int32_t>> sent;
+    resetMidiMainState();
+    setMidiOutBackend({[] { return std::vector<std::string>{}; },
+                       [&sent](int32_t) { return std::make_unique<StampPort>(sent); }});
+    ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
+    sent.clear();
+    {
+        const MidiOutDueTime due(1234);
+        midiNoteOn(0, 60, 50, 100);
+        {
+            const MidiOutDueTime inner(1300);
+            midiOutShortMsg(0x10C0);
+        }
+        midiNoteOff(0, 60);
+    }
+    midiNoteOn(1, 62, 0, 90);  // by hand: no due time
+    const std::vector<std::pair<uint32_t, int32_t>> expected = {
+        {0x5000E0, 1234}, {0x643C90, 1234}, {0x10C0, 1300}, {0x3C80, 1234}, {0x5A3E91, -1}};
+    EXPECT_EQ(sent, expected);
+    resetMidiMainState();
+}
+
+}  // namespace
+}  // namespace tarabix

@@ -42,6 +42,7 @@ TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
     EXPECT_EQ(o.notesPres, (std::array<int32_t, 4>{1, 1, 1, 1}));
     EXPECT_EQ(settings.udOrient(), 1);
     EXPECT_EQ(settings.tuningICateg(), 0);
+    EXPECT_EQ(settings.synthLatencyMs(), 20);
 }
 
 TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)

@@ -4,9 +4,11 @@
 #include "base/MonotonicClock.h"
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
+#include "playback/AudioDriverSettings.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRouter.h"
 #include "playback/SoundFontLocator.h"
+#include "playback/SystemMidiOut.h"
 #include "playback/mMidiMain.h"
 #include "playback/qt/QtPlayerWait.h"
 
@@ -14,6 +16,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace tarabix::cli {
@@ -23,7 +26,8 @@ namespace {
 int usage()
 {
     std::fputs("usage: tarabix-cli play FILE [--device ID|null] [--speed R] [--from SECONDS] [--timing-log CSV]\n"
-               "                       [--precise-timer | --busy-wait] [--soundfont FILE]\n",
+               "                       [--precise-timer | --busy-wait] [--soundfont FILE] [--latency MS]\n"
+               "                       [--audio-out OUT.wav]\n",
                stderr);
     return 2;
 }
@@ -63,6 +67,7 @@ int play(const Args& args)
     std::string input;
     std::string timingLogPath;
     std::string device;
+    std::string audioOut;
     double speed = 1.0;
     int32_t fromMs = 0;
     QtPlayerWait::Strategy strategy = QtPlayerWait::bestStrategy();
@@ -85,6 +90,13 @@ int play(const Args& args)
             fromMs = *value;
         } else if (a == "--soundfont" && hasValue) {
             setSoundFontOverride(args[++i]);
+        } else if (a == "--latency" && hasValue) {
+            const auto value = parseInt(args[++i]);
+            if (!value || *value < kMinSynthLatencyMs || *value > kMaxSynthLatencyMs)
+                return usage();
+            setBuiltInSynthLatencyMs(*value);
+        } else if (a == "--audio-out" && hasValue) {
+            audioOut = args[++i];
         } else if (a == "--timing-log" && hasValue) {
             timingLogPath = args[++i];
         } else if (a == "--busy-wait") {
@@ -97,7 +109,7 @@ int play(const Args& args)
             return usage();
         }
     }
-    if (input.empty())
+    if (input.empty() || (!audioOut.empty() && !device.empty()))
         return usage();
 
     MidiFile piece;
@@ -117,6 +129,10 @@ int play(const Args& args)
                            [](int32_t) { return std::make_unique<DiscardPort>(); }});
     } else if (!device.empty()) {
         setMidiDeviceId(*parseInt(device));
+    } else if (!audioOut.empty()) {
+        // The built-in synthesizer in real time, its sound going to the file in place of the
+        // sound card: the same driver path and timing as a listener hears.
+        setBuiltInSynthAudioFile(audioOut);
     }
     if (reopenMidiOut() != kMidiOutOk)
         std::fprintf(stderr, "tarabix-cli play: no sound from MIDI output %d (%s); playing on silently\n",
@@ -133,6 +149,7 @@ int play(const Args& args)
     player.chase = [&](int32_t startMs) { router.startFrom(&piece, startMs); };
     std::vector<TimingRecord> timing;
     player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec) {
+        const MidiOutDueTime due(player.currentDueMs());
         router.route(status, c1, c2);
         if (!timingLogPath.empty())
             timing.push_back({absMSec, player.currentDueMs(), clock.micros()});
@@ -158,9 +175,17 @@ int play(const Args& args)
     }
     if (const std::string later = midiOutNotice(); later != notice && !later.empty())
         std::fprintf(stderr, "tarabix-cli play: %s\n", later.c_str());
+    const std::string output = midiOutDescription();
+    if (output.ends_with(", stopped"))
+        std::fprintf(stderr, "tarabix-cli play: the sound output stopped during the piece (%s); played on silently\n",
+                     output.c_str());
+    // The last notes are still waiting for their sample or ringing: let the file have them.
+    if (!audioOut.empty())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
     midiOutReset();
     closeMidiOut();
     resetMidiMainState();
+    setBuiltInSynthAudioFile({});
 
     if (!timingLogPath.empty() && !writeTimingLog(timingLogPath, timing)) {
         std::fprintf(stderr, "tarabix-cli play: cannot write %s\n", timingLogPath.c_str());

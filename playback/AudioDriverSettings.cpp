@@ -1,0 +1,69 @@
+#include "playback/AudioDriverSettings.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace tarabix {
+
+namespace {
+
+// FluidSynth renders in blocks of this many frames; a period that is not a multiple of it splits
+// blocks across writes for nothing.
+constexpr int kSynthBlock = 64;
+
+int framesOf(double ms, double sampleRate)
+{
+    return static_cast<int>(std::lround(ms * sampleRate / 1000.0));
+}
+
+double msOf(int frames, double sampleRate)
+{
+    return frames * 1000.0 / sampleRate;
+}
+
+}  // namespace
+
+AudioDriverSettings chooseAudioDriverSettings(const std::string& driver, int latencyMs, double sampleRate)
+{
+    const int latency = std::clamp(latencyMs, kMinSynthLatencyMs, kMaxSynthLatencyMs);
+    const int latencyFrames = framesOf(latency, sampleRate);
+    AudioDriverSettings s;
+    if (driver == "pulseaudio") {
+        // The whole buffer is one period; the server picks its own fragments inside it.
+        s.periodSize = std::max(kSynthBlock, latencyFrames);
+        s.periods = 2;
+        s.intSettings = {{"audio.pulseaudio.adjust-latency", 1}};
+        s.bufferMs = msOf(s.periodSize, sampleRate);
+        s.burstMs = s.bufferMs;
+    } else if (driver == "jack") {
+        // Connected to the speakers at once, as the other drivers are.
+        s.intSettings = {{"audio.jack.autoconnect", 1}};
+        s.burstMs = msOf(4 * kSynthBlock, sampleRate);
+    } else if (driver == "file") {
+        s.periodSize = kSynthBlock;
+        s.periods = 2;
+        s.bufferMs = msOf(s.periodSize, sampleRate);
+        // The file driver's timer wakes every millisecond and writes one period when it is due.
+        s.burstMs = std::max(1.0, msOf(s.periodSize, sampleRate));
+    } else {
+        s.periodSize = latencyFrames >= 8 * kSynthBlock ? 2 * kSynthBlock : kSynthBlock;
+        s.periods = std::max(2, static_cast<int>(std::lround(static_cast<double>(latencyFrames) / s.periodSize)));
+        s.bufferMs = msOf(s.periodSize * s.periods, sampleRate);
+        s.burstMs = msOf(s.periodSize, sampleRate);
+    }
+    return s;
+}
+
+std::string describeAudioOutput(const std::string& driver, const AudioDriverSettings& chosen, double sampleRate)
+{
+    char text[160];
+    if (chosen.bufferMs <= 0.0)
+        std::snprintf(text, sizeof text, "%s, latency set by the server", driver.c_str());
+    else
+        std::snprintf(text, sizeof text, "%s, %.1f ms (%d frames at %.0f Hz)", driver.c_str(), chosen.bufferMs,
+                      static_cast<int>(std::lround(chosen.bufferMs * sampleRate / 1000.0)), sampleRate);
+    return text;
+}
+
+}  // namespace tarabix
