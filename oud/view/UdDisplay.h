@@ -84,13 +84,15 @@ public:
     // The note ends; true when the window should clear its out-of-range indication.
     bool noteOffDisplay(int32_t note, int32_t cents, bool shown);
 
+    // Where a pitch is drawn in the picture as currently oriented (the model's place of it); empty
+    // off the fingerboard or before the model has a tuning.
+    std::optional<PicPoint> pointOfPitch(int32_t note, int32_t cents) const;
+
     QRect circleMarkRect(PicPoint centre) const;
     QRect labelRect(PicPoint centre) const;
 
 private:
     bool ready() const;
-    // The model's place of the pitch; empty off the fingerboard or before the model has a tuning.
-    std::optional<PicPoint> pointOfPitch(int32_t note, int32_t cents) const;
     int32_t playMode() const;
     void changed(const QRect& rect);
     void copyRestingToDisplayed(const QRect& rect);

@@ -105,6 +105,7 @@ protected:
         ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
         m_recording->clear();
         player.resetPlayState();
+        router.setVolume(127);  // velocities pass unscaled, so the piece's own bytes are expected
         player.msg = [this](uint8_t status, uint8_t c1, uint8_t c2, int32_t) { router.route(status, c1, c2); };
         player.chase = [this](int32_t fromMs) { router.startFrom(player.theMidi(), fromMs); };
     }

@@ -14,8 +14,7 @@ namespace {
 int usage()
 {
     std::fputs("usage: tarabix-cli render FILE -o OUT.wav [--speed R] [--octave N] [--volume V]\n"
-               "                         [--from SECONDS] [--length SECONDS] [--soundfont FILE]
-",
+               "                         [--from SECONDS] [--length SECONDS] [--soundfont FILE]\n",
                stderr);
     return 2;
 }
