@@ -54,9 +54,7 @@ TEST(MidiPlayerRender, QuarterTonesOfThePiecesPitchWheelsAreHeard)
     EXPECT_EQ(littleEndian(wav, 22, 2), 2u);
     ASSERT_EQ(littleEndian(wav, 24, 4), 44100u);
     EXPECT_EQ(littleEndian(wav, 34, 2), 16u);
-    std::vector<float> stereo;
-    for (size_t at = 44; at + 2 <= wav.size(); at += 2)
-        stereo.push_back(static_cast<int16_t>(littleEndian(wav, at, 2)));
+    const std::vector<float> stereo = test::wavSamples16(wav);
     EXPECT_NEAR(static_cast<double>(stereo.size()) / 88.2, result.audioMs, 1.0);
     const double first = test::stereoFundamentalHz(stereo, 44100, 0.15, 0.7);
     const double second = test::stereoFundamentalHz(stereo, 44100, 0.95, 1.5);
@@ -72,10 +70,7 @@ std::vector<float> renderedStereo(const MidiFile& piece, const PieceRenderOption
     EXPECT_EQ(result.audioMs, options.lengthMs + options.tailMs);
     const std::string wav = test::readBytes(path);
     std::filesystem::remove(path);
-    std::vector<float> stereo;
-    for (size_t at = 44; at + 2 <= wav.size(); at += 2)
-        stereo.push_back(static_cast<int16_t>(littleEndian(wav, at, 2)));
-    return stereo;
+    return test::wavSamples16(wav);
 }
 
 // The piece sets its quarter tone once, before its first note; a render from inside it must
