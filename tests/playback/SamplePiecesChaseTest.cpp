@@ -1,5 +1,6 @@
 // Every shipped piece started inside itself sounds its next notes exactly as when played from the
 // beginning: same program, same quarter tone, same volume, pan and expression on the device.
+#include "midi/MidiBytes.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRouter.h"
 #include "playback/RecorderPort.h"
@@ -53,7 +54,7 @@ std::vector<HeardNote> heardNotes(const std::vector<RecordedMessage>& sent)
         } else if (kind == 0xB0) {
             ch.cc[c1] = static_cast<int>(c2);
         } else if (kind == 0xE0) {
-            ch.cents = bendToCents(static_cast<int32_t>(c2 * 128 + c1), false);
+            ch.cents = wheelToCents(static_cast<int32_t>(c2 * 128 + c1));
         } else if (kind == 0x90 && c2 != 0) {
             std::ostringstream how;
             how << "ch" << (m.message & 0x0F) << " note " << c1 << " vel " << c2 << " program " << ch.program
