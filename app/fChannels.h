@@ -1,5 +1,7 @@
 #pragma once
 
+#include "midi/MidiBytes.h"
+
 #include <QDialog>
 
 #include <array>
@@ -10,8 +12,6 @@ class QLabel;
 class QPushButton;
 
 namespace tarabix {
-
-inline constexpr int kMidiChannels = 16;
 
 // Per MIDI channel (index 0 = channel 1): whether it is heard, and whether its notes are marked
 // on the fingerboard.

@@ -3,6 +3,8 @@
 //   player_bench --write-dense-piece OUT.mid [EVENTS_PER_SECOND] [SECONDS]
 //   player_bench --sleep-floor      how late a bare absolute sleep wakes on this machine right now,
 //                                   the floor under any player's lateness
+#include "midi/EventList.h"
+#include "midi/MidiBytes.h"
 #include "midi/MidiFile.h"
 #include "playback/MidiPlayer.h"
 #include "playback/VirtualClock.h"
@@ -27,33 +29,23 @@ using namespace tarabix;
 MidiFile makeDensePiece(int eventsPerSecond, int seconds)
 {
     constexpr int kTracks = 4;
-    std::vector<ListedEvent> events;
+    EventList events;
     const int total = eventsPerSecond * seconds;
     const int pairsPerTrack = total / 2 / kTracks;
     const double spacingMs = 1000.0 * seconds / pairsPerTrack;
     for (int t = 0; t < kTracks; ++t) {
-        const auto ch = static_cast<char>(t);
+        const auto ch = static_cast<uint8_t>(t);
         for (int i = 0; i < pairsPerTrack; ++i) {
             const int on = static_cast<int>(i * spacingMs + t * spacingMs / kTracks);
-            const char note = static_cast<char>(48 + (i * 7 + t * 5) % 36);
-            ListedEvent e;
-            e.track = t;
-            e.event.eType = MidiEvent::kChannelMessage;
-            if (i % 8 == 0) {
-                e.absTick = on;
-                e.event.eData = std::string{static_cast<char>(0xE0 | ch), 0x00, (i % 16 == 0) ? '\x50' : '\x40'};
-                events.push_back(e);
-            }
-            e.absTick = on;
-            e.event.eData = std::string{static_cast<char>(0x90 | ch), note, 90};
-            events.push_back(e);
-            e.absTick = on + 15;
-            e.event.eData = std::string{static_cast<char>(0x80 | ch), note, 0};
-            events.push_back(e);
+            const auto note = static_cast<uint8_t>(48 + (i * 7 + t * 5) % 36);
+            if (i % 8 == 0)
+                events.pitchWheel(t, on, ch, i % 16 == 0 ? 50 : 0);
+            events.channel(t, on, midistatus::kNoteOn | ch, note, 90);
+            events.channel(t, on + 15, midistatus::kNoteOff | ch, note, 0);
         }
     }
     MidiFile piece;
-    piece.setFromList(events);
+    piece.setFromList(events.events());
     return piece;
 }
 

@@ -6,6 +6,8 @@
 //   sound_check onsets IN.wav INTERVAL_MS                click onsets against their best-fitting grid
 //   sound_check probe IN.wav                             dropouts inside the notes and their pitch
 // Only 16-bit PCM WAV files (FluidSynth's file driver, parec) are read.
+#include "midi/EventList.h"
+#include "midi/MidiBytes.h"
 #include "midi/MidiFile.h"
 #include "tests/playback/PitchEstimator.h"
 
@@ -36,66 +38,51 @@ struct ProbeNote {
 };
 constexpr ProbeNote kProbe[] = {{0, 60, 50}, {1, 64, -50}, {2, 67, 0}};
 
-ListedEvent channelEvent(int ms, int status, int d1, int d2)
+int writePiece(const char* path, const EventList& events)
 {
-    ListedEvent e;
-    e.absTick = ms;
-    e.event.eType = MidiEvent::kChannelMessage;
-    e.event.eData = std::string{static_cast<char>(status), static_cast<char>(d1), static_cast<char>(d2)};
-    return e;
-}
-
-ListedEvent programChange(int ch, int program)
-{
-    ListedEvent e;
-    e.event.eType = MidiEvent::kChannelMessage;
-    e.event.eData = std::string{static_cast<char>(0xC0 + ch), static_cast<char>(program)};
-    return e;
+    MidiFile piece;
+    piece.setFromList(events.events());
+    return piece.toFile(path) == 0 ? 0 : 1;
 }
 
 int writeClicks(const char* path, int count, int intervalMs)
 {
     constexpr int kWoodBlock = 76;  // General MIDI drum kit, channel 10
-    std::vector<ListedEvent> events;
+    constexpr uint8_t kDrums = kMidiPercussionChannel;
+    EventList events;
     for (int i = 0; i < count; ++i) {
         const int on = kFirstClickMs + i * intervalMs;
-        events.push_back(channelEvent(on, 0x99, kWoodBlock, 120));
-        events.push_back(channelEvent(on + intervalMs / 2, 0x89, kWoodBlock, 0));
+        events.channel(0, on, midistatus::kNoteOn | kDrums, kWoodBlock, 120);
+        events.channel(0, on + intervalMs / 2, midistatus::kNoteOff | kDrums, kWoodBlock, 0);
     }
-    MidiFile piece;
-    piece.setFromList(events);
-    return piece.toFile(path) == 0 ? 0 : 1;
+    return writePiece(path, events);
 }
 
 int writeProbe(const char* path, int seconds)
 {
     // A steady tone whose fundamental is its strongest partial (an organ here sounds octaves below).
     constexpr int kClarinet = 71;
-    std::vector<ListedEvent> events;
+    EventList events;
     for (const ProbeNote& n : kProbe) {
-        events.push_back(programChange(n.channel, kClarinet));
-        // The piece's wheel gives the channel its quarter tone before the note (4096 per 100 cents).
-        const int bend = 8192 + n.cents * 4096 / 100;
-        events.push_back(channelEvent(0, 0xE0 + n.channel, bend & 127, bend >> 7));
+        events.channel(0, 0, midistatus::kProgramChange + n.channel, kClarinet, 0);
+        // The piece's wheel gives the channel its quarter tone before the note.
+        events.pitchWheel(0, 0, static_cast<uint8_t>(n.channel), n.cents);
     }
     for (int t = 500, i = 0; t + kProbeNoteMs <= seconds * 1000; t += kProbeNoteMs + kProbeGapMs, ++i) {
         const ProbeNote& n = kProbe[i % 3];
-        events.push_back(channelEvent(t, 0x90 + n.channel, n.note, 100));
-        events.push_back(channelEvent(t + kProbeNoteMs, 0x80 + n.channel, n.note, 0));
+        events.channel(0, t, midistatus::kNoteOn + n.channel, n.note, 100);
+        events.channel(0, t + kProbeNoteMs, midistatus::kNoteOff + n.channel, n.note, 0);
     }
-    MidiFile piece;
-    piece.setFromList(events);
-    return piece.toFile(path) == 0 ? 0 : 1;
+    return writePiece(path, events);
 }
 
 int writeQuiet(const char* path, int seconds)
 {
-    const std::vector<ListedEvent> events = {channelEvent(500, 0x90, 64, 100), channelEvent(1000, 0x80, 64, 0),
-                                             channelEvent(seconds * 1000, 0x90, 67, 100),
-                                             channelEvent(seconds * 1000 + 500, 0x80, 67, 0)};
-    MidiFile piece;
-    piece.setFromList(events);
-    return piece.toFile(path) == 0 ? 0 : 1;
+    EventList events;
+    events.channel(0, 500, midistatus::kNoteOn, 64, 100).channel(0, 1000, midistatus::kNoteOff, 64, 0);
+    events.channel(0, seconds * 1000, midistatus::kNoteOn, 67, 100)
+        .channel(0, seconds * 1000 + 500, midistatus::kNoteOff, 67, 0);
+    return writePiece(path, events);
 }
 
 struct Wav {

@@ -25,7 +25,7 @@ std::string standardDescription(int32_t number)
 }  // namespace
 
 MidiError::MidiError(int32_t number, const std::string& description, std::string source)
-    : std::runtime_error(description), number_(number), description_(description), source_(std::move(source))
+    : std::runtime_error(description), m_number(number), m_description(description), m_source(std::move(source))
 {
 }
 

@@ -31,14 +31,14 @@ public:
     // The usual description of a standard error number ("Overflow", "Subscript out of range"...).
     MidiError(int32_t number, std::string source);
 
-    int32_t number() const { return number_; }
-    const std::string& description() const { return description_; }
-    const std::string& source() const { return source_; }
+    int32_t number() const { return m_number; }
+    const std::string& description() const { return m_description; }
+    const std::string& source() const { return m_source; }
 
 private:
-    int32_t number_;
-    std::string description_;
-    std::string source_;
+    int32_t m_number;
+    std::string m_description;
+    std::string m_source;
 };
 
 }  // namespace tarabix

@@ -3,6 +3,7 @@
 #include "base/CheckedInt32.h"
 #include "base/Rounding.h"
 #include "base/TickSource.h"
+#include "midi/MidiBytes.h"
 #include "midi/MidiError.h"
 #include "midi/StringStreamIn.h"
 
@@ -21,49 +22,35 @@ constexpr const char* kSource = "MidiFile";
 constexpr int32_t kDefaultTempo = 500000;  // microseconds per quarter note until a tempo event
 constexpr int32_t kEventsPerClockLook = 4096;
 
-int32_t bigEndian(std::string_view bytes)
-{
-    uint32_t v = 0;
-    for (const char c : bytes)
-        v = v << 8 | static_cast<uint8_t>(c);
-    return static_cast<int32_t>(v);
-}
-
-void appendBigEndian(std::string& out, uint32_t value, int nBytes)
-{
-    for (int shift = 8 * (nBytes - 1); shift >= 0; shift -= 8)
-        out.push_back(static_cast<char>(value >> shift));
-}
-
 // Hands out the events of all tracks in playing order: the smallest absTick first, the lowest
 // track on equal ticks, each track's own order kept. A heap of the tracks' next events keeps a file
 // of thousands of tracks as quick as one of sixteen. An event at the very last tick, 2147483647,
 // is never reached, nor anything after it in its track.
 class TrackMerger {
 public:
-    explicit TrackMerger(const std::vector<MidiTrack>& tracks) : tracks_(tracks), cursors_(tracks.size(), 0)
+    explicit TrackMerger(const std::vector<MidiTrack>& tracks) : m_tracks(tracks), m_cursors(tracks.size(), 0)
     {
-        heap_.reserve(tracks.size());
+        m_heap.reserve(tracks.size());
         for (size_t t = 0; t < tracks.size(); ++t) {
             if (tracks[t].trkNEvents() > 0)
-                heap_.push_back(key(tracks[t].events()[0].absTick, t));
+                m_heap.push_back(key(tracks[t].events()[0].absTick, t));
         }
-        std::make_heap(heap_.begin(), heap_.end(), std::greater<>());
+        std::make_heap(m_heap.begin(), m_heap.end(), std::greater<>());
     }
 
     // The next event's track and index; false when none is left.
     bool next(size_t& track, size_t& index)
     {
-        if (heap_.empty() || (heap_[0] >> 16) == std::numeric_limits<int32_t>::max())
+        if (m_heap.empty() || (m_heap[0] >> 16) == std::numeric_limits<int32_t>::max())
             return false;
-        track = static_cast<size_t>(heap_[0] & 0xFFFF);
-        index = cursors_[track]++;
-        const std::span<const MidiEvent> events = tracks_[track].events();
-        if (cursors_[track] < events.size()) {
-            heap_[0] = key(events[cursors_[track]].absTick, track);
+        track = static_cast<size_t>(m_heap[0] & 0xFFFF);
+        index = m_cursors[track]++;
+        const std::span<const MidiEvent> events = m_tracks[track].events();
+        if (m_cursors[track] < events.size()) {
+            m_heap[0] = key(events[m_cursors[track]].absTick, track);
         } else {
-            heap_[0] = heap_.back();
-            heap_.pop_back();
+            m_heap[0] = m_heap.back();
+            m_heap.pop_back();
         }
         siftDown();
         return true;
@@ -74,53 +61,53 @@ private:
 
     void siftDown()
     {
-        const size_t n = heap_.size();
+        const size_t n = m_heap.size();
         size_t i = 0;
-        const int64_t moving = n > 0 ? heap_[0] : 0;
+        const int64_t moving = n > 0 ? m_heap[0] : 0;
         for (;;) {
             size_t child = 2 * i + 1;
             if (child >= n)
                 break;
-            if (child + 1 < n && heap_[child + 1] < heap_[child])
+            if (child + 1 < n && m_heap[child + 1] < m_heap[child])
                 ++child;
-            if (heap_[child] >= moving)
+            if (m_heap[child] >= moving)
                 break;
-            heap_[i] = heap_[child];
+            m_heap[i] = m_heap[child];
             i = child;
         }
         if (n > 0)
-            heap_[i] = moving;
+            m_heap[i] = moving;
     }
 
-    const std::vector<MidiTrack>& tracks_;
-    std::vector<size_t> cursors_;
-    std::vector<int64_t> heap_;
+    const std::vector<MidiTrack>& m_tracks;
+    std::vector<size_t> m_cursors;
+    std::vector<int64_t> m_heap;
 };
 
 }  // namespace
 
 MidiTrack* MidiFile::tracks(int32_t i)
 {
-    return i >= 0 && static_cast<size_t>(i) < tracks_.size() ? &tracks_[static_cast<size_t>(i)] : nullptr;
+    return i >= 0 && static_cast<size_t>(i) < m_tracks.size() ? &m_tracks[static_cast<size_t>(i)] : nullptr;
 }
 
 const MidiTrack* MidiFile::tracks(int32_t i) const
 {
-    return i >= 0 && static_cast<size_t>(i) < tracks_.size() ? &tracks_[static_cast<size_t>(i)] : nullptr;
+    return i >= 0 && static_cast<size_t>(i) < m_tracks.size() ? &m_tracks[static_cast<size_t>(i)] : nullptr;
 }
 
 void MidiFile::setNTracks(int16_t n)
 {
     if (n < 1)
         throw MidiError(midierr::kSubscriptOutOfRange, kSource);
-    if (static_cast<size_t>(n) != tracks_.size())
-        tracks_.resize(static_cast<size_t>(n));
+    if (static_cast<size_t>(n) != m_tracks.size())
+        m_tracks.resize(static_cast<size_t>(n));
 }
 
 int32_t MidiFile::allLastAbsMSec() const
 {
     int32_t longest = 0;
-    for (const MidiTrack& t : tracks_)
+    for (const MidiTrack& t : m_tracks)
         longest = std::max(longest, t.trkLastAbsMSec());
     return longest;
 }
@@ -128,9 +115,9 @@ int32_t MidiFile::allLastAbsMSec() const
 void MidiFile::clear()
 {
     setNTracks(1);
-    format_ = 1;
-    division_ = kDefaultDivision;
-    tracks_[0].clear();
+    m_format = 1;
+    m_division = kDefaultDivision;
+    m_tracks[0].clear();
 }
 
 int32_t MidiFile::readMidiFile(const std::string& path)
@@ -154,18 +141,18 @@ int32_t MidiFile::readMidi(StringStreamIn& stream)
         clear();
         if (stream.readView(4) != "MThd")
             return kNotAHeaderChunk;
-        const int32_t length = bigEndian(stream.readView(4));
+        const auto length = static_cast<int32_t>(readBigEndian(stream.readView(4)));
         if (length < 6)
             return kShortHeader;
         const std::string_view words = stream.readView(6);
-        format_ = static_cast<int16_t>(bigEndian(words.substr(0, 2)));
-        const auto nTracks = static_cast<int16_t>(bigEndian(words.substr(2, 2)));
-        division_ = static_cast<int16_t>(bigEndian(words.substr(4, 2)));
+        m_format = static_cast<int16_t>(readBigEndian(words.substr(0, 2)));
+        const auto nTracks = static_cast<int16_t>(readBigEndian(words.substr(2, 2)));
+        m_division = static_cast<int16_t>(readBigEndian(words.substr(4, 2)));
         if (length > 6)
             stream.readView(length - 6);
         setNTracks(nTracks);
         // Chunks of other kinds are not skipped: where a track is expected, only a track will do.
-        for (MidiTrack& track : tracks_) {
+        for (MidiTrack& track : m_tracks) {
             if (const int32_t status = track.readTrk(stream))
                 return status;
         }
@@ -181,22 +168,22 @@ void MidiFile::copyFrom(const MidiFile& other)
 {
     if (&other == this)
         return;
-    format_ = other.format_;
-    division_ = other.division_;
-    tracks_.resize(other.tracks_.size());
-    for (size_t i = 0; i < tracks_.size(); ++i)
-        tracks_[i].copyFrom(other.tracks_[i]);
+    m_format = other.m_format;
+    m_division = other.m_division;
+    m_tracks.resize(other.m_tracks.size());
+    for (size_t i = 0; i < m_tracks.size(); ++i)
+        m_tracks[i].copyFrom(other.m_tracks[i]);
 }
 
 MidiTrack MidiFile::make1TrackMidi() const
 {
     MidiTrack merged;
-    TrackMerger merger(tracks_);
+    TrackMerger merger(m_tracks);
     size_t track = 0;
     size_t index = 0;
     while (merger.next(track, index)) {
         try {
-            merged.addEvent(tracks_[track].events()[index]);
+            merged.addEvent(m_tracks[track].events()[index]);
         } catch (const MidiError&) {
             // a program change above 127 is kept without its program flag, as in its own track
         }
@@ -206,7 +193,7 @@ MidiTrack MidiFile::make1TrackMidi() const
 
 int32_t MidiFile::setEvtsAbsTicks()
 {
-    for (MidiTrack& t : tracks_) {
+    for (MidiTrack& t : m_tracks) {
         if (const int32_t status = t.setEvtsAbsTicks())
             return status;
     }
@@ -215,18 +202,18 @@ int32_t MidiFile::setEvtsAbsTicks()
 
 void MidiFile::setYieldHook(std::function<void()> hook, int32_t intervalMs)
 {
-    yieldHook_ = std::move(hook);
-    yieldIntervalMs_ = intervalMs;
+    m_yieldHook = std::move(hook);
+    m_yieldIntervalMs = intervalMs;
 }
 
 void MidiFile::maybeYield(int32_t& eventsSinceCheck)
 {
-    if (!yieldHook_ || ++eventsSinceCheck < kEventsPerClockLook)
+    if (!m_yieldHook || ++eventsSinceCheck < kEventsPerClockLook)
         return;
     eventsSinceCheck = 0;
-    if (tickMs() - lastYieldMs_ >= yieldIntervalMs_) {
-        yieldHook_();
-        lastYieldMs_ = tickMs();
+    if (tickMs() - m_lastYieldMs >= m_yieldIntervalMs) {
+        m_yieldHook();
+        m_lastYieldMs = tickMs();
     }
 }
 
@@ -234,17 +221,17 @@ int32_t MidiFile::setEvtsAbsMSecs()
 {
     if (const int32_t status = setEvtsAbsTicks())
         return status;
-    lastYieldMs_ = tickMs();
-    return (division_ & 0x8000) ? stampSmpte() : stampTicksPerQuarter();
+    m_lastYieldMs = tickMs();
+    return (m_division & 0x8000) ? stampSmpte() : stampTicksPerQuarter();
 }
 
 int32_t MidiFile::stampSmpte()
 {
     // The high byte is minus the frames per second, the low byte the ticks per frame.
-    const int32_t framesPerSecond = -static_cast<int8_t>(static_cast<uint16_t>(division_) >> 8);
-    const int32_t ticksPerSecond = (division_ & 0xFF) * framesPerSecond;
+    const int32_t framesPerSecond = -static_cast<int8_t>(static_cast<uint16_t>(m_division) >> 8);
+    const int32_t ticksPerSecond = (m_division & 0xFF) * framesPerSecond;
     int32_t sinceCheck = 0;
-    for (MidiTrack& t : tracks_) {
+    for (MidiTrack& t : m_tracks) {
         for (int32_t i = 0; i < t.trkNEvents(); ++i) {
             MidiEvent& e = t.trkEvents(i);
             const std::optional<int32_t> thousandfold = checkedMul(e.absTick, 1000);
@@ -267,26 +254,26 @@ int32_t MidiFile::stampTicksPerQuarter()
     int32_t lastTempoTick = 0;
     int32_t lastTempoMs = 0;
     int32_t sinceCheck = 0;
-    TrackMerger merger(tracks_);
+    TrackMerger merger(m_tracks);
     size_t track = 0;
     size_t index = 0;
     while (merger.next(track, index)) {
-        MidiEvent& e = tracks_[track].trkEvents(static_cast<int32_t>(index));
+        MidiEvent& e = m_tracks[track].trkEvents(static_cast<int32_t>(index));
         const std::optional<int32_t> ticks = checkedSub(e.absTick, lastTempoTick);
         if (!ticks)
             return midierr::kOverflow;
-        if (division_ == 0)
+        if (m_division == 0)
             return midierr::kDivisionByZero;
-        const double ms = lastTempoMs + *ticks * msPerQuarter / division_;
+        const double ms = lastTempoMs + *ticks * msPerQuarter / m_division;
         const std::optional<int32_t> absMS = roundHalfEvenToInt32(ms);
         if (!absMS)
             return midierr::kOverflow;
         e.absMS = *absMS;
-        if (e.isMeta(0x51)) {
+        if (e.isMeta(midimeta::kTempo)) {
             // Fewer than four data bytes are taken as if padded with zeros on the left, so the usual
             // three give the 24-bit tempo.
             const std::string_view data = std::string_view(e.eData).substr(1);
-            msPerQuarter = bigEndian(data.substr(0, 4)) / 1000.0;
+            msPerQuarter = static_cast<int32_t>(readBigEndian(data.substr(0, 4))) / 1000.0;
             lastTempoTick = e.absTick;
             lastTempoMs = e.absMS;
         }
@@ -309,12 +296,12 @@ int32_t MidiFile::setFromList(std::span<const ListedEvent> events)
     for (const ListedEvent& le : events)
         byTrack[static_cast<size_t>(le.track)].push_back(&le);
 
-    tracks_.clear();
-    tracks_.resize(byTrack.size());
+    m_tracks.clear();
+    m_tracks.resize(byTrack.size());
     for (size_t t = 0; t < byTrack.size(); ++t) {
         std::stable_sort(byTrack[t].begin(), byTrack[t].end(),
                          [](const ListedEvent* a, const ListedEvent* b) { return a->absTick < b->absTick; });
-        MidiTrack& track = tracks_[t];
+        MidiTrack& track = m_tracks[t];
         int32_t previousTick = 0;
         for (const ListedEvent* le : byTrack[t]) {
             MidiEvent e;
@@ -328,7 +315,7 @@ int32_t MidiFile::setFromList(std::span<const ListedEvent> events)
                 return error.number();
             }
         }
-        if (track.trkNEvents() == 0 || !track.events().back().isMeta(0x2F))
+        if (track.trkNEvents() == 0 || !track.events().back().isMeta(midimeta::kEndOfTrack))
             track.c_addEndOfTrack(0);
     }
     return setEvtsAbsMSecs();
@@ -338,10 +325,10 @@ std::string MidiFile::makeMidiStr() const
 {
     std::string bytes = "MThd";
     appendBigEndian(bytes, 6, 4);
-    appendBigEndian(bytes, static_cast<uint16_t>(format_), 2);
+    appendBigEndian(bytes, static_cast<uint16_t>(m_format), 2);
     appendBigEndian(bytes, static_cast<uint16_t>(numOfTracks()), 2);
-    appendBigEndian(bytes, static_cast<uint16_t>(division_), 2);
-    for (const MidiTrack& t : tracks_)
+    appendBigEndian(bytes, static_cast<uint16_t>(m_division), 2);
+    for (const MidiTrack& t : m_tracks)
         bytes += t.makeMidiTrackStr();
     return bytes;
 }

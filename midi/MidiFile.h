@@ -30,17 +30,17 @@ public:
 
     MidiFile() { clear(); }
 
-    int16_t numOfTracks() const { return static_cast<int16_t>(tracks_.size()); }
+    int16_t numOfTracks() const { return static_cast<int16_t>(m_tracks.size()); }
     MidiTrack* tracks(int32_t i);  // null outside 0 .. numOfTracks - 1
     const MidiTrack* tracks(int32_t i) const;
     // Resizes the track array keeping the existing tracks; also the header's track count. A count
     // below 1 raises kSubscriptOutOfRange.
     void setNTracks(int16_t n);
 
-    int16_t midiFileFormat() const { return format_; }
-    void setMidiFileFormat(int16_t format) { format_ = format; }
-    int16_t midiHdrDivision() const { return division_; }  // raw: bit 15 set means SMPTE timing
-    void setMidiHdrDivision(int16_t division) { division_ = division; }
+    int16_t midiFileFormat() const { return m_format; }
+    void setMidiFileFormat(int16_t format) { m_format = format; }
+    int16_t midiHdrDivision() const { return m_division; }  // raw: bit 15 set means SMPTE timing
+    void setMidiHdrDivision(int16_t division) { m_division = division; }
 
     // The length of the piece in milliseconds: the latest last event over all tracks.
     int32_t allLastAbsMSec() const;
@@ -106,12 +106,12 @@ private:
     int32_t stampSmpte();
     void maybeYield(int32_t& eventsSinceCheck);
 
-    std::vector<MidiTrack> tracks_;
-    int16_t format_ = 1;
-    int16_t division_ = kDefaultDivision;
-    std::function<void()> yieldHook_;
-    int32_t yieldIntervalMs_ = 10;
-    int32_t lastYieldMs_ = 0;
+    std::vector<MidiTrack> m_tracks;
+    int16_t m_format = 1;
+    int16_t m_division = kDefaultDivision;
+    std::function<void()> m_yieldHook;
+    int32_t m_yieldIntervalMs = 10;
+    int32_t m_lastYieldMs = 0;
 };
 
 }  // namespace tarabix

@@ -122,7 +122,7 @@ std::string metaEventText(std::string_view eData)
 std::string MidiTrack::toText() const
 {
     std::string out;
-    out.reserve(static_cast<size_t>(nEvents_) * 32);
+    out.reserve(static_cast<size_t>(m_nEvents) * 32);
     for (const MidiEvent& e : events()) {
         out.push_back('\t');
         appendSixDigits(out, e.absTick);
@@ -149,15 +149,15 @@ std::string MidiFile::toText() const
     out += kLineEnd;
     out += "======";
     out += kLineEnd;
-    out += "\tFormat: " + headerHex(format_) + kLineEnd;
+    out += "\tFormat: " + headerHex(m_format) + kLineEnd;
     out += "\tTracks: " + headerHex(numOfTracks()) + kLineEnd;
-    out += "\tDivision: " + headerHex(division_) + kLineEnd;
-    for (size_t i = 0; i < tracks_.size(); ++i) {
+    out += "\tDivision: " + headerHex(m_division) + kLineEnd;
+    for (size_t i = 0; i < m_tracks.size(); ++i) {
         out += kLineEnd;
         out += "TRACK #" + std::to_string(i) + ":" + kLineEnd;
         out += "=========";
         out += kLineEnd;
-        out += tracks_[i].toText();
+        out += m_tracks[i].toText();
     }
     return out;
 }

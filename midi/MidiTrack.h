@@ -1,5 +1,6 @@
 #pragma once
 
+#include "midi/MidiBytes.h"
 #include "midi/MidiEvent.h"
 
 #include <bitset>
@@ -31,17 +32,17 @@ public:
     const MidiEvent& trkEvents(int32_t i) const;
     MidiEvent& trkEvents(int32_t i);
     void setTrkEvents(int32_t i, const MidiEvent& evt);
-    std::span<const MidiEvent> events() const { return {events_.data(), static_cast<size_t>(nEvents_)}; }
-    int32_t trkNEvents() const { return nEvents_; }
+    std::span<const MidiEvent> events() const { return {m_events.data(), static_cast<size_t>(m_nEvents)}; }
+    int32_t trkNEvents() const { return m_nEvents; }
     void setTrkNEvents(int32_t n);  // within 0 .. trkEventsArrSize
-    int32_t trkEventsArrSize() const { return static_cast<int32_t>(events_.size()); }
+    int32_t trkEventsArrSize() const { return static_cast<int32_t>(m_events.size()); }
 
     bool trkChannels(int32_t channel) const;
     void setTrkChannels(int32_t channel, bool on);
     bool trkActInstrs(int32_t program) const;
     void setTrkActInstrs(int32_t program, bool on);
     int32_t trkNChannels() const;
-    int32_t trkLastAbsMSec() const { return nEvents_ > 0 ? events_[nEvents_ - 1].absMS : 0; }
+    int32_t trkLastAbsMSec() const { return m_nEvents > 0 ? m_events[m_nEvents - 1].absMS : 0; }
 
     // The latest text event that selects a maqam: "Q:" (either case), a name, "/" at the fourth
     // character or later, and a tonic 0-11 after it. Empty when there is none, or when the scan
@@ -90,17 +91,19 @@ public:
     void c_addPitchWheelE(int32_t dTick, uint8_t channel, std::string_view shiftCents);
 
 private:
+    static constexpr int32_t kGrowStep = 100;  // fresh events added when the array is full
+
     MidiEvent& nextSlot();
     bool noteBookkeeping(const MidiEvent& evt);
     bool appendChannelMessage(int32_t deltaTick, uint8_t status, uint8_t data1, uint8_t data2);
     void appendMeta(int32_t deltaTick, uint8_t metaType, std::string_view data);
     int32_t parseBody(std::string_view body);
 
-    std::vector<MidiEvent> events_;
-    int32_t nEvents_ = 0;
+    std::vector<MidiEvent> m_events;
+    int32_t m_nEvents = 0;
     // Bits rather than bools: a header may announce 32767 tracks before any of them is read.
-    std::bitset<16> channels_;
-    std::bitset<128> programs_;
+    std::bitset<kMidiChannels> m_channels;
+    std::bitset<128> m_programs;
 };
 
 }  // namespace tarabix

@@ -38,17 +38,17 @@ std::FILE* openForReading(const std::string& path)
 
 void StringStreamIn::clear()
 {
-    data_.clear();
-    length_ = 0;
-    position_ = 0;
+    m_data.clear();
+    m_length = 0;
+    m_position = 0;
 }
 
 void StringStreamIn::setFromString(std::string s)
 {
     const int32_t length = checkedLength(s.size());
-    data_ = std::move(s);
-    length_ = length;
-    position_ = 0;
+    m_data = std::move(s);
+    m_length = length;
+    m_position = 0;
 }
 
 void StringStreamIn::setFromFile(const std::string& path)
@@ -87,27 +87,27 @@ std::string StringStreamIn::read(int32_t n)
 std::string_view StringStreamIn::readView(int32_t n)
 {
     // A negative count is refused like a read past the end: it would move the position backwards.
-    if (n < 0 || static_cast<int64_t>(position_) + n > length_)
+    if (n < 0 || static_cast<int64_t>(m_position) + n > m_length)
         throw MidiError(midierr::kReadBeyondEnd, kSource);
-    const std::string_view bytes(data_.data() + position_, static_cast<size_t>(n));
-    position_ += n;
+    const std::string_view bytes(m_data.data() + m_position, static_cast<size_t>(n));
+    m_position += n;
     return bytes;
 }
 
 std::string StringStreamIn::readToEnd()
 {
-    if (position_ >= length_)
+    if (m_position >= m_length)
         return {};
-    std::string rest = data_.substr(static_cast<size_t>(position_));
-    position_ = length_;
+    std::string rest = m_data.substr(static_cast<size_t>(m_position));
+    m_position = m_length;
     return rest;
 }
 
 void StringStreamIn::seekTo(int32_t p)
 {
-    if (p < 0 || p > length_)
+    if (p < 0 || p > m_length)
         throw MidiError(midierr::kSeekOutOfRange, kSource);
-    position_ = p;
+    m_position = p;
 }
 
 }  // namespace tarabix

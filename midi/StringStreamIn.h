@@ -12,13 +12,13 @@ namespace tarabix {
 // end consumes nothing, so a caller that catches it still finds the position where it stopped.
 class StringStreamIn {
 public:
-    int32_t streamLen() const { return length_; }
-    int32_t remainingLen() const { return length_ - position_; }
-    int32_t currentPos() const { return position_; }
-    bool EOS() const { return position_ >= length_; }
-    bool BOS() const { return position_ == 0; }
-    bool isEmpty() const { return length_ == 0; }
-    std::string wholeString() const { return data_; }
+    int32_t streamLen() const { return m_length; }
+    int32_t remainingLen() const { return m_length - m_position; }
+    int32_t currentPos() const { return m_position; }
+    bool EOS() const { return m_position >= m_length; }
+    bool BOS() const { return m_position == 0; }
+    bool isEmpty() const { return m_length == 0; }
+    std::string wholeString() const { return m_data; }
 
     void clear();
     void setFromString(std::string s);
@@ -38,9 +38,9 @@ public:
     static constexpr const char* kSource = "StringStreamIn";
 
 private:
-    std::string data_;
-    int32_t length_ = 0;
-    int32_t position_ = 0;
+    std::string m_data;
+    int32_t m_length = 0;
+    int32_t m_position = 0;
 };
 
 }  // namespace tarabix

@@ -1,5 +1,6 @@
 #include "playback/FluidSynthEngine.h"
 
+#include "midi/MidiBytes.h"
 #include "playback/MidiOutPort.h"
 #include "playback/SoundFontCheck.h"
 #include "playback/SynthDiagnostics.h"
@@ -92,18 +93,18 @@ void FluidSynthEngine::dispatch(uint32_t message) const
     const int d2 = static_cast<int>(shortMessageData2(message));
     // FluidSynth checks the ranges itself and refuses out-of-range data.
     switch (status & 0xF0) {
-    case 0x80: fluid_synth_noteoff(m_synth, ch, d1); break;
-    case 0x90:
+    case midistatus::kNoteOff: fluid_synth_noteoff(m_synth, ch, d1); break;
+    case midistatus::kNoteOn:
         if (d2 == 0)
             fluid_synth_noteoff(m_synth, ch, d1);
         else
             fluid_synth_noteon(m_synth, ch, d1, d2);
         break;
-    case 0xA0: fluid_synth_key_pressure(m_synth, ch, d1, d2); break;
-    case 0xB0: fluid_synth_cc(m_synth, ch, d1, d2); break;
-    case 0xC0: fluid_synth_program_change(m_synth, ch, d1); break;
-    case 0xD0: fluid_synth_channel_pressure(m_synth, ch, d1); break;
-    case 0xE0: fluid_synth_pitch_bend(m_synth, ch, d1 + d2 * 128); break;
+    case midistatus::kKeyPressure: fluid_synth_key_pressure(m_synth, ch, d1, d2); break;
+    case midistatus::kController: fluid_synth_cc(m_synth, ch, d1, d2); break;
+    case midistatus::kProgramChange: fluid_synth_program_change(m_synth, ch, d1); break;
+    case midistatus::kChannelPressure: fluid_synth_channel_pressure(m_synth, ch, d1); break;
+    case midistatus::kPitchWheel: fluid_synth_pitch_bend(m_synth, ch, wheelOf(d1, d2)); break;
     default: break;  // system messages mean nothing to a synthesizer here
     }
 }

@@ -1,5 +1,6 @@
 #include "playback/FluidSynthPort.h"
 
+#include "midi/MidiBytes.h"
 #include "playback/FluidSynthEngine.h"
 #include "playback/SoundFontLocator.h"
 #include "playback/SynthTimeline.h"
@@ -34,14 +35,15 @@ int64_t steadyMs()
 
 bool isSoundingNoteOn(uint32_t message)
 {
-    return (shortMessageStatus(message) & 0xF0) == 0x90 && shortMessageData2(message) != 0;
+    return (shortMessageStatus(message) & 0xF0) == midistatus::kNoteOn && shortMessageData2(message) != 0;
 }
 
 // Sustain, all sound off, all notes off: what silences a channel.
 bool isChannelCut(uint32_t message)
 {
     const uint32_t controller = shortMessageData1(message);
-    return (shortMessageStatus(message) & 0xF0) == 0xB0 && (controller == 64 || controller == 120 || controller == 123);
+    return (shortMessageStatus(message) & 0xF0) == midistatus::kController &&
+           (controller == midicc::kSustain || controller == midicc::kAllSoundOff || controller == midicc::kAllNotesOff);
 }
 
 }  // namespace

@@ -1,18 +1,14 @@
 #include "playback/MidiOutPort.h"
 
-namespace tarabix {
+#include "midi/MidiBytes.h"
 
-namespace {
-constexpr uint32_t kControlChange = 0xB0;
-constexpr uint32_t kSustainPedal = 64;
-constexpr uint32_t kAllNotesOff = 123;
-}  // namespace
+namespace tarabix {
 
 void MidiOutPort::reset()
 {
-    for (uint32_t ch = 0; ch < 16; ++ch) {
-        send(packShortMessage(kControlChange + ch, kSustainPedal, 0));
-        send(packShortMessage(kControlChange + ch, kAllNotesOff, 0));
+    for (uint32_t ch = 0; ch < kMidiChannels; ++ch) {
+        send(packShortMessage(midistatus::kController + ch, midicc::kSustain, 0));
+        send(packShortMessage(midistatus::kController + ch, midicc::kAllNotesOff, 0));
     }
 }
 

@@ -90,10 +90,10 @@ void OfflineSynth::renderFrames(int64_t frames)
     while (frames > 0) {
         const int block = static_cast<int>(std::min<int64_t>(frames, kBlockFrames));
         const size_t at = d.samples.size();
-        d.samples.resize(at + static_cast<size_t>(block) * kChannels, 0.0f);
+        d.samples.resize(at + static_cast<size_t>(block) * kAudioChannels, 0.0f);
         if (d.ready) {
             float* out = d.samples.data() + at;
-            fluid_synth_write_float(d.engine.synth(), block, out, 0, kChannels, out, 1, kChannels);
+            fluid_synth_write_float(d.engine.synth(), block, out, 0, kAudioChannels, out, 1, kAudioChannels);
         }
         d.frames += block;
         frames -= block;
@@ -124,7 +124,7 @@ std::vector<float> OfflineSynth::takeSamples()
 
 bool OfflineSynth::writeWav(const std::string& path, std::string* error) const
 {
-    return writeWavFile(path, m_impl->samples, static_cast<int>(std::lround(sampleRate())), kChannels, error);
+    return writeWavFile(path, m_impl->samples, static_cast<int>(std::lround(sampleRate())), kAudioChannels, error);
 }
 
 int32_t OfflineSynthPort::open()

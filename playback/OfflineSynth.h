@@ -19,7 +19,7 @@ struct OfflineSynthOptions {
 // clock: renderUntil(event time), send(event), ... then takeSamples() into a WavWriter as it goes.
 class OfflineSynth {
 public:
-    static constexpr int kChannels = 2;
+    static constexpr int kAudioChannels = 2;
 
     explicit OfflineSynth(OfflineSynthOptions options = {});
     ~OfflineSynth();

@@ -1,6 +1,7 @@
 #include "playback/PieceChase.h"
 
 #include "midi/MergedTracks.h"
+#include "midi/MidiBytes.h"
 #include "midi/MidiFile.h"
 
 #include <algorithm>
@@ -10,38 +11,30 @@ namespace tarabix {
 
 namespace {
 
-constexpr uint8_t kController = 0xB0;
-constexpr uint8_t kProgramChange = 0xC0;
-constexpr uint8_t kPitchWheel = 0xE0;
-constexpr int32_t kWheelCentre = 8192;
+using namespace midicc;
+using midistatus::kController;
+using midistatus::kPitchWheel;
+using midistatus::kProgramChange;
 
 enum class ControllerKind { State, Pedal, Action, ParameterData };
-
-constexpr uint8_t kDataEntryMsb = 6;
-constexpr uint8_t kDataEntryLsb = 38;
-constexpr uint8_t kNonRegisteredLsb = 98;
-constexpr uint8_t kNonRegisteredMsb = 99;
-constexpr uint8_t kRegisteredLsb = 100;
-constexpr uint8_t kRegisteredMsb = 101;
-constexpr uint8_t kNoParameter = 127;
 
 // Data increment and decrement step a parameter rather than set it, and 120..127 are channel
 // mode messages (all notes off, reset, omni, mono): none of them is a setting to restore.
 ControllerKind kindOf(uint8_t cc)
 {
     switch (cc) {
-    case 64:  // sustain
-    case 66:  // sostenuto
-    case 69:  // hold 2
+    case kSustain:
+    case kSostenuto:
+    case kHold2:
         return ControllerKind::Pedal;
-    case 96:
-    case 97:
+    case kDataIncrement:
+    case kDataDecrement:
         return ControllerKind::Action;
     case kDataEntryMsb:
     case kDataEntryLsb:
         return ControllerKind::ParameterData;
     default:
-        return cc >= 120 ? ControllerKind::Action : ControllerKind::State;
+        return cc >= kFirstChannelMode ? ControllerKind::Action : ControllerKind::State;
     }
 }
 
@@ -49,22 +42,22 @@ ControllerKind kindOf(uint8_t cc)
 std::optional<uint8_t> startValue(uint8_t cc)
 {
     switch (cc) {
-    case 0:   // bank select
-    case 32:
-    case 1:   // modulation
+    case kBankSelect:
+    case kBankSelectLsb:
+    case kModulation:
         return 0;
-    case 7:   // volume
+    case kVolume:
         return 100;
-    case 8:   // balance
-    case 10:  // pan
+    case kBalance:
+    case kPan:
         return 64;
-    case 11:  // expression
+    case kExpression:
         return 127;
-    case 98:  // parameter numbers: none selected
-    case 99:
-    case 100:
-    case 101:
-        return 127;
+    case kNonRegisteredLsb:
+    case kNonRegisteredMsb:
+    case kRegisteredLsb:
+    case kRegisteredMsb:
+        return kNoParameter;
     default:
         return std::nullopt;
     }
@@ -106,7 +99,7 @@ struct ChannelHistory {
 PieceChase chasePiece(const MidiFile& piece, int32_t atMs)
 {
     PieceChase chase;
-    std::array<ChannelHistory, 16> history;
+    std::array<ChannelHistory, kMidiChannels> history;
     MergedTracks merged(&piece);
     merged.seek(0);
     size_t order = 0;
@@ -118,10 +111,10 @@ PieceChase chasePiece(const MidiFile& piece, int32_t atMs)
         const auto status = static_cast<uint8_t>(event.eData[0]);
         const auto c1 = static_cast<uint8_t>(event.eData[1]);
         const auto c2 = static_cast<uint8_t>(event.eData[2]);
-        const int ch = status & 0x0F;
+        const int ch = statusChannel(status);
         ChannelChase& channel = chase.channels[static_cast<size_t>(ch)];
         const bool before = event.absMS < atMs;
-        switch (status & 0xF0) {
+        switch (statusKind(status)) {
         case kProgramChange:
             if (before)
                 channel.program = c1;
@@ -130,7 +123,7 @@ PieceChase chasePiece(const MidiFile& piece, int32_t atMs)
             break;
         case kPitchWheel:
             if (before)
-                channel.wheel = c2 * 128 + c1;
+                channel.wheel = wheelOf(c1, c2);
             else if (channel.wheel == ChannelChase::kNone)
                 channel.wheelLater = true;
             break;
@@ -157,7 +150,7 @@ PieceChase chasePiece(const MidiFile& piece, int32_t atMs)
         }
     }
 
-    for (size_t ch = 0; ch < 16; ++ch) {
+    for (size_t ch = 0; ch < kMidiChannels; ++ch) {
         ChannelChase& channel = chase.channels[ch];
         std::vector<std::pair<size_t, uint8_t>> setBefore;
         for (uint8_t cc = 0; cc < 128; ++cc) {
@@ -211,7 +204,7 @@ std::vector<ChannelMessage> PieceChase::messages() const
             out.push_back({on(kProgramChange), static_cast<uint8_t>(std::max<int16_t>(channel.program, 0)), 0});
         if (channel.wheel != ChannelChase::kNone || channel.wheelLater) {
             const int32_t wheel = channel.wheel != ChannelChase::kNone ? channel.wheel : kWheelCentre;
-            out.push_back({on(kPitchWheel), static_cast<uint8_t>(wheel & 0x7F), static_cast<uint8_t>(wheel >> 7)});
+            out.push_back({on(kPitchWheel), wheelLsb(wheel), wheelMsb(wheel)});
         }
     }
     return out;

@@ -49,7 +49,7 @@ PieceRenderResult renderPieceToWav(const MidiFile& piece, const std::string& wav
         return result;
     }
     WavWriter wav;
-    if (!wav.open(wavPath, kSampleRate, OfflineSynth::kChannels)) {
+    if (!wav.open(wavPath, kSampleRate, OfflineSynth::kAudioChannels)) {
         result.error = wav.error();
         return result;
     }

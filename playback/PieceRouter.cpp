@@ -1,19 +1,12 @@
 #include "playback/PieceRouter.h"
 
 #include "base/Rounding.h"
+#include "midi/MidiBytes.h"
 #include "playback/MidiOutPort.h"
 #include "playback/PieceChase.h"
 #include "playback/mMidiMain.h"
 
 namespace tarabix {
-
-namespace {
-
-constexpr uint8_t kNoteOff = 0x80;
-constexpr uint8_t kNoteOn = 0x90;
-constexpr uint8_t kPitchWheel = 0xE0;
-
-}  // namespace
 
 PieceRouter::PieceRouter()
 {
@@ -21,7 +14,7 @@ PieceRouter::PieceRouter()
     m_shown.fill(true);
     // Channel 10 carries General MIDI percussion: a darbuka is heard, but its "notes" are drum
     // sounds, not places on the oud.
-    m_shown[kPercussionChannel] = false;
+    m_shown[kMidiPercussionChannel] = false;
 }
 
 void PieceRouter::resetChannelState()
@@ -41,21 +34,20 @@ void PieceRouter::startFrom(const MidiFile* piece, int32_t fromMs)
 
 void PieceRouter::silenceChannel(int ch)
 {
-    constexpr uint8_t kSustain = 64;
-    constexpr uint8_t kAllNotesOff = 123;
-    midiOutShortMsg(packShortMessage(static_cast<uint8_t>(0xB0 + ch), kSustain, 0));
-    midiOutShortMsg(packShortMessage(static_cast<uint8_t>(0xB0 + ch), kAllNotesOff, 0));
+    const auto status = static_cast<uint8_t>(midistatus::kController + ch);
+    midiOutShortMsg(packShortMessage(status, midicc::kSustain, 0));
+    midiOutShortMsg(packShortMessage(status, midicc::kAllNotesOff, 0));
     m_sounding.at(ch) = 0;
 }
 
 void PieceRouter::route(uint8_t status, uint8_t c1, uint8_t c2)
 {
-    const int ch = status & 0x0F;
+    const int ch = statusChannel(status);
     if (!m_enabled[ch])
         return;
-    const uint8_t kind = status & 0xF0;
-    const bool isNoteOn = kind == kNoteOn && c2 != 0;
-    const bool isNoteOff = kind == kNoteOff || (kind == kNoteOn && c2 == 0);
+    const uint8_t kind = statusKind(status);
+    const bool isNoteOn = kind == midistatus::kNoteOn && c2 != 0;
+    const bool isNoteOff = kind == midistatus::kNoteOff || (kind == midistatus::kNoteOn && c2 == 0);
     if (isNoteOn || isNoteOff) {
         // A shifted note off either end of the keyboard is dropped whole, its count included.
         const int note = m_midiOctShift * 12 + c1;
@@ -67,11 +59,11 @@ void PieceRouter::route(uint8_t status, uint8_t c1, uint8_t c2)
             noteOff(ch, note);
         return;
     }
-    if (kind == kPitchWheel) {
+    if (kind == midistatus::kPitchWheel) {
         // Bending a sounding note would slide it; a piece's wheel sets the quarter tone of the
         // channel's next notes instead.
         if (m_sounding[ch] == 0)
-            m_cents[ch] = bendToCents(c2 * 128 + c1, true);
+            m_cents[ch] = nearestQuarterTone(wheelToCents(wheelOf(c1, c2)));
         return;
     }
     midiOutShortMsg(packShortMessage(status, c1, c2));

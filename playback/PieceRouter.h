@@ -1,5 +1,7 @@
 #pragma once
 
+#include "midi/MidiBytes.h"
+
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -19,8 +21,6 @@ public:
     // Where the window's volume control starts, and the volume of a render that names none: the
     // synthesizer's gain is set so that the sample pieces peak a few dB under full scale here.
     static constexpr int32_t kDefaultVolume = 100;
-    static constexpr int kChannels = 16;
-    static constexpr int kPercussionChannel = 9;  // channel 10 as musicians count
 
     // Drawing the fingerboard is the window's business: it hears of every note-on and note-off of
     // a shown channel, with the shifted note and the channel's shift, just before the device does.
@@ -64,10 +64,10 @@ private:
     void noteOn(int ch, int note, uint8_t velocity);
     void noteOff(int ch, int note);
 
-    std::array<bool, kChannels> m_enabled{};
-    std::array<bool, kChannels> m_shown{};
-    std::array<int32_t, kChannels> m_cents{};
-    std::array<int32_t, kChannels> m_sounding{};
+    std::array<bool, kMidiChannels> m_enabled{};
+    std::array<bool, kMidiChannels> m_shown{};
+    std::array<int32_t, kMidiChannels> m_cents{};
+    std::array<int32_t, kMidiChannels> m_sounding{};
     int32_t m_volume = kDefaultVolume;
     int32_t m_midiOctShift = 0;
 };

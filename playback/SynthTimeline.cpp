@@ -1,5 +1,6 @@
 #include "playback/SynthTimeline.h"
 
+#include "midi/MidiBytes.h"
 #include "playback/FluidSynthEngine.h"
 #include "playback/MidiOutPort.h"
 
@@ -49,18 +50,18 @@ bool SynthTimeline::fillEvent(fluid_event_t* event, uint32_t message) const
     fluid_event_set_source(event, -1);
     fluid_event_set_dest(event, m_synthClient);
     switch (status & 0xF0) {
-    case 0x80: fluid_event_noteoff(event, ch, static_cast<short>(d1)); return true;
-    case 0x90:
+    case midistatus::kNoteOff: fluid_event_noteoff(event, ch, static_cast<short>(d1)); return true;
+    case midistatus::kNoteOn:
         if (d2 == 0)
             fluid_event_noteoff(event, ch, static_cast<short>(d1));
         else
             fluid_event_noteon(event, ch, static_cast<short>(d1), static_cast<short>(d2));
         return true;
-    case 0xA0: fluid_event_key_pressure(event, ch, static_cast<short>(d1), d2); return true;
-    case 0xB0: fluid_event_control_change(event, ch, static_cast<short>(d1), d2); return true;
-    case 0xC0: fluid_event_program_change(event, ch, d1); return true;
-    case 0xD0: fluid_event_channel_pressure(event, ch, d1); return true;
-    case 0xE0: fluid_event_pitch_bend(event, ch, d1 + d2 * 128); return true;
+    case midistatus::kKeyPressure: fluid_event_key_pressure(event, ch, static_cast<short>(d1), d2); return true;
+    case midistatus::kController: fluid_event_control_change(event, ch, static_cast<short>(d1), d2); return true;
+    case midistatus::kProgramChange: fluid_event_program_change(event, ch, d1); return true;
+    case midistatus::kChannelPressure: fluid_event_channel_pressure(event, ch, d1); return true;
+    case midistatus::kPitchWheel: fluid_event_pitch_bend(event, ch, wheelOf(d1, d2)); return true;
     default: return false;  // system messages mean nothing to a synthesizer here
     }
 }

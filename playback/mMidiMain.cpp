@@ -1,6 +1,6 @@
 #include "playback/mMidiMain.h"
 
-#include "base/Rounding.h"
+#include "midi/MidiBytes.h"
 #include "playback/SystemMidiOut.h"
 
 #include <array>
@@ -10,15 +10,10 @@ namespace tarabix {
 
 namespace {
 
-constexpr uint32_t kNoteOff = 0x80;
-constexpr uint32_t kNoteOn = 0x90;
-constexpr uint32_t kProgramChange = 0xC0;
-constexpr uint32_t kPitchWheel = 0xE0;
-
 struct MidiMainState {
     int32_t deviceId = kMidiMapperId;
-    std::array<int32_t, 16> programs{};
-    std::array<int32_t, 16> cents{};
+    std::array<int32_t, kMidiChannels> programs{};
+    std::array<int32_t, kMidiChannels> cents{};
     std::optional<MidiOutBackend> backend;
     std::unique_ptr<MidiOutPort> port;
     int32_t portId = 0;
@@ -85,8 +80,8 @@ int32_t reopenMidiOut()
         return result;
     }
     s.failureReason.clear();
-    for (int ch = 0; ch < 16; ++ch) {
-        s.port->send(packShortMessage(kProgramChange + ch, static_cast<uint32_t>(s.programs[ch]), 0));
+    for (int ch = 0; ch < kMidiChannels; ++ch) {
+        s.port->send(packShortMessage(midistatus::kProgramChange + ch, static_cast<uint32_t>(s.programs[ch]), 0));
         s.port->send(pitchWheelMessage(ch, s.cents[ch]));
     }
     return kMidiOutOk;
@@ -108,12 +103,12 @@ void midiNoteOn(int ch, int note, int32_t cents, int velocity)
 {
     if (state().cents.at(ch) != cents)
         setChannelBendCents(ch, cents);
-    send(packShortMessage(kNoteOn + ch, static_cast<uint32_t>(note), static_cast<uint32_t>(velocity)));
+    send(packShortMessage(midistatus::kNoteOn + ch, static_cast<uint32_t>(note), static_cast<uint32_t>(velocity)));
 }
 
 void midiNoteOff(int ch, int note)
 {
-    send(packShortMessage(kNoteOff + ch, static_cast<uint32_t>(note), 0));
+    send(packShortMessage(midistatus::kNoteOff + ch, static_cast<uint32_t>(note), 0));
 }
 
 void midiOutShortMsg(uint32_t message)
@@ -190,26 +185,14 @@ std::unique_ptr<MidiOutPort> openMidiOutDevice(int32_t id, int32_t& result, std:
     return port;
 }
 
-int32_t centsToBend(int32_t cents)
-{
-    return roundHalfEvenInt(static_cast<double>(cents) * 4096.0 / 100.0 + 8192.0);
-}
-
 uint32_t pitchWheelMessage(int ch, int32_t cents)
 {
-    const int32_t bend = centsToBend(cents);
-    // Unsigned from here: out-of-range shifts wrap into the neighbouring bytes as they always
-    // have, instead of overflowing.
-    const auto lsb = static_cast<uint32_t>(bend & 127);
-    const auto msb = static_cast<uint32_t>(bend / 128);
-    return packShortMessage(kPitchWheel + static_cast<uint32_t>(ch), lsb, msb);
+    const int32_t wheel = centsToWheel(cents);
+    return packShortMessage(midistatus::kPitchWheel + static_cast<uint32_t>(ch), wheelLsb(wheel), wheelMsb(wheel));
 }
 
-int32_t bendToCents(int32_t bend, bool quantise)
+int32_t nearestQuarterTone(int32_t cents)
 {
-    int32_t cents = roundHalfEvenInt((static_cast<double>(bend) - 8192.0) * 100.0 / 4096.0);
-    if (!quantise)
-        return cents;
     const int32_t r = cents % 50;
     if (r >= 25)
         cents = cents + 50 - r;

@@ -89,14 +89,12 @@ std::vector<MidiOutDevice> listMidiOutDevices();
 // in result when it cannot be opened.
 std::unique_ptr<MidiOutPort> openMidiOutDevice(int32_t id, int32_t& result, std::string* reason = nullptr);
 
-// Pitch-wheel value for a shift in cents: 4096 steps per 100 cents around the centre 8192, the
-// General MIDI default range of +-2 semitones.
-int32_t centsToBend(int32_t cents);
+// The wheel message that shifts channel ch by `cents` (centsToWheel in midi/MidiBytes.h).
 uint32_t pitchWheelMessage(int ch, int32_t cents);
 
-// A piece's own pitch-wheel value back to cents; quantise moves it to the nearest quarter tone
-// (multiple of 50), a remainder of exactly +-25 going up.
-int32_t bendToCents(int32_t bend, bool quantise);
+// Cents taken to the nearest quarter tone (multiple of 50), a remainder of exactly +-25 going up:
+// a piece's wheel shifts the fingerboard's notes only by quarter tones.
+int32_t nearestQuarterTone(int32_t cents);
 
 // Replaces where outputs come from (tests install recorders); closes and drops the current output.
 void setMidiOutBackend(MidiOutBackend backend);

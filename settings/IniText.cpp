@@ -1,31 +1,9 @@
 #include "settings/IniText.h"
 
-#include <algorithm>
-#include <cctype>
+#include "base/Text.h"
 
 namespace tarabix {
 namespace {
-
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
-}
-
-std::string_view trim(std::string_view s)
-{
-    while (!s.empty() && isBlank(s.front()))
-        s.remove_prefix(1);
-    while (!s.empty() && isBlank(s.back()))
-        s.remove_suffix(1);
-    return s;
-}
-
-bool sameName(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-    });
-}
 
 std::string_view unquote(std::string_view value)
 {
@@ -51,12 +29,12 @@ IniText::IniText(std::string_view text)
             line.end = std::string(text.substr(bodyEnd, lf + 1 - bodyEnd));
             text.remove_prefix(lf + 1);
             if (!endSeen) {
-                newLineEnd_ = line.end;
+                m_newLineEnd = line.end;
                 endSeen = true;
             }
         }
         classify(line);
-        lines_.push_back(std::move(line));
+        m_lines.push_back(std::move(line));
     }
 }
 
@@ -85,7 +63,7 @@ void IniText::classify(Line& line) const
 std::vector<std::string> IniText::sectionNames() const
 {
     std::vector<std::string> names;
-    for (const Line& line : lines_)
+    for (const Line& line : m_lines)
         if (line.kind == Kind::Header)
             names.push_back(line.name);
     return names;
@@ -93,8 +71,8 @@ std::vector<std::string> IniText::sectionNames() const
 
 std::optional<size_t> IniText::findSection(std::string_view section) const
 {
-    for (size_t i = 0; i < lines_.size(); ++i)
-        if (lines_[i].kind == Kind::Header && sameName(lines_[i].name, section))
+    for (size_t i = 0; i < m_lines.size(); ++i)
+        if (m_lines[i].kind == Kind::Header && equalsNoCase(m_lines[i].name, section))
             return i;
     return std::nullopt;
 }
@@ -102,7 +80,7 @@ std::optional<size_t> IniText::findSection(std::string_view section) const
 size_t IniText::sectionEnd(size_t header) const
 {
     size_t i = header + 1;
-    while (i < lines_.size() && lines_[i].kind != Kind::Header)
+    while (i < m_lines.size() && m_lines[i].kind != Kind::Header)
         ++i;
     return i;
 }
@@ -111,7 +89,7 @@ std::optional<size_t> IniText::findKey(size_t header, std::string_view key) cons
 {
     const size_t end = sectionEnd(header);
     for (size_t i = header + 1; i < end; ++i)
-        if (lines_[i].kind == Kind::Entry && sameName(lines_[i].name, key))
+        if (m_lines[i].kind == Kind::Entry && equalsNoCase(m_lines[i].name, key))
             return i;
     return std::nullopt;
 }
@@ -124,8 +102,8 @@ std::optional<std::vector<std::string>> IniText::keyNames(std::string_view secti
     std::vector<std::string> keys;
     const size_t end = sectionEnd(*header);
     for (size_t i = *header + 1; i < end; ++i)
-        if (lines_[i].kind == Kind::Entry)
-            keys.push_back(lines_[i].name);
+        if (m_lines[i].kind == Kind::Entry)
+            keys.push_back(m_lines[i].name);
     return keys;
 }
 
@@ -137,19 +115,19 @@ std::optional<std::string> IniText::value(std::string_view section, std::string_
     const auto entry = findKey(*header, key);
     if (!entry)
         return std::nullopt;
-    return lines_[*entry].value;
+    return m_lines[*entry].value;
 }
 
 void IniText::insertLine(size_t at, std::string body)
 {
     // The line before the new one may be the last of the file, without a line end of its own.
-    if (at > 0 && lines_[at - 1].end.empty())
-        lines_[at - 1].end = newLineEnd_;
+    if (at > 0 && m_lines[at - 1].end.empty())
+        m_lines[at - 1].end = m_newLineEnd;
     Line line;
     line.body = std::move(body);
-    line.end = newLineEnd_;
+    line.end = m_newLineEnd;
     classify(line);
-    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), std::move(line));
+    m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(at), std::move(line));
 }
 
 bool IniText::setValue(std::string_view section, std::string_view key, std::string_view value)
@@ -157,12 +135,12 @@ bool IniText::setValue(std::string_view section, std::string_view key, std::stri
     const std::string entry = std::string(key) + "=" + std::string(value);
     const auto header = findSection(section);
     if (!header) {
-        insertLine(lines_.size(), "[" + std::string(section) + "]");
-        insertLine(lines_.size(), entry);
+        insertLine(m_lines.size(), "[" + std::string(section) + "]");
+        insertLine(m_lines.size(), entry);
         return true;
     }
     if (const auto found = findKey(*header, key)) {
-        Line& line = lines_[*found];
+        Line& line = m_lines[*found];
         const std::string body = line.name + "=" + std::string(value);
         if (line.body == body)
             return false;
@@ -173,7 +151,7 @@ bool IniText::setValue(std::string_view section, std::string_view key, std::stri
     // A new key goes after the section's last non-blank line, so blank lines that separate it from
     // the next section stay where they are.
     size_t at = sectionEnd(*header);
-    while (at > *header + 1 && trim(lines_[at - 1].body).empty())
+    while (at > *header + 1 && trim(m_lines[at - 1].body).empty())
         --at;
     insertLine(at, entry);
     return true;
@@ -187,7 +165,7 @@ bool IniText::deleteKey(std::string_view section, std::string_view key)
     const auto entry = findKey(*header, key);
     if (!entry)
         return false;
-    lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(*entry));
+    m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(*entry));
     return true;
 }
 
@@ -195,8 +173,8 @@ bool IniText::deleteSection(std::string_view section)
 {
     bool changed = false;
     while (const auto header = findSection(section)) {
-        lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(*header),
-                     lines_.begin() + static_cast<std::ptrdiff_t>(sectionEnd(*header)));
+        m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(*header),
+                     m_lines.begin() + static_cast<std::ptrdiff_t>(sectionEnd(*header)));
         changed = true;
     }
     return changed;
@@ -205,7 +183,7 @@ bool IniText::deleteSection(std::string_view section)
 std::string IniText::text() const
 {
     std::string out;
-    for (const Line& line : lines_) {
+    for (const Line& line : m_lines) {
         out += line.body;
         out += line.end;
     }

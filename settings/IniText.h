@@ -47,8 +47,8 @@ private:
     std::optional<size_t> findKey(size_t header, std::string_view key) const;
     void insertLine(size_t at, std::string body);
 
-    std::vector<Line> lines_;
-    std::string newLineEnd_ = "\r\n";
+    std::vector<Line> m_lines;
+    std::string m_newLineEnd = "\r\n";
 };
 
 }  // namespace tarabix

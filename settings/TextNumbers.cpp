@@ -1,29 +1,19 @@
 #include "settings/TextNumbers.h"
 
 #include "base/Rounding.h"
+#include "base/Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 
 namespace tarabix {
 namespace {
 
-std::string_view trimBlanks(std::string_view text)
-{
-    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    while (!text.empty() && blank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && blank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 // Plain decimal notation only: digits with an optional fraction, no exponent, no hex, so that a
 // stored "1e9" or "0x10" is refused rather than silently read as something else.
 std::optional<double> textToNumber(std::string_view text)
 {
-    text = trimBlanks(text);
+    text = trim(text);
     const bool negative = !text.empty() && text.front() == '-';
     if (!text.empty() && (text.front() == '-' || text.front() == '+'))
         text.remove_prefix(1);
@@ -41,13 +31,6 @@ std::optional<double> textToNumber(std::string_view text)
     return negative ? -value : value;
 }
 
-bool equalsNoCase(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-    });
-}
-
 }  // namespace
 
 std::optional<int32_t> textToInt32(std::string_view text)
@@ -60,7 +43,7 @@ std::optional<int32_t> textToInt32(std::string_view text)
 
 std::optional<bool> textToBool(std::string_view text)
 {
-    const std::string_view word = trimBlanks(text);
+    const std::string_view word = trim(text);
     if (equalsNoCase(word, "true"))
         return true;
     if (equalsNoCase(word, "false"))

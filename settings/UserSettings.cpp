@@ -62,12 +62,12 @@ QString storeKey(Setting setting)
 }  // namespace
 
 UserSettings::UserSettings()
-    : store_(std::make_unique<QSettings>(QString::fromLatin1(kOrganisation), QString::fromLatin1(kApplication)))
+    : m_store(std::make_unique<QSettings>(QString::fromLatin1(kOrganisation), QString::fromLatin1(kApplication)))
 {
 }
 
 UserSettings::UserSettings(std::unique_ptr<QSettings> store)
-    : store_(std::move(store))
+    : m_store(std::move(store))
 {
 }
 
@@ -80,7 +80,7 @@ std::string_view UserSettings::keyName(Setting setting)
 
 bool UserSettings::boolValue(Setting setting) const
 {
-    const QString text = store_->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString();
+    const QString text = m_store->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString();
     if (const auto value = textToBool(text.toStdString()))
         return *value;
     return textToBool(row(setting).defaultText).value_or(false);
@@ -88,7 +88,7 @@ bool UserSettings::boolValue(Setting setting) const
 
 int32_t UserSettings::intValue(Setting setting) const
 {
-    const QString text = store_->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString();
+    const QString text = m_store->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString();
     if (const auto value = textToInt32(text.toStdString()))
         return *value;
     return textToInt32(row(setting).defaultText).value_or(0);
@@ -96,25 +96,25 @@ int32_t UserSettings::intValue(Setting setting) const
 
 void UserSettings::setBool(Setting setting, bool value)
 {
-    store_->setValue(storeKey(setting), value ? QStringLiteral("True") : QStringLiteral("False"));
-    store_->sync();
+    m_store->setValue(storeKey(setting), value ? QStringLiteral("True") : QStringLiteral("False"));
+    m_store->sync();
 }
 
 void UserSettings::setInt(Setting setting, int32_t value)
 {
-    store_->setValue(storeKey(setting), QString::number(value));
-    store_->sync();
+    m_store->setValue(storeKey(setting), QString::number(value));
+    m_store->sync();
 }
 
 std::string UserSettings::textValue(Setting setting) const
 {
-    return store_->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString().toStdString();
+    return m_store->value(storeKey(setting), QString::fromLatin1(row(setting).defaultText)).toString().toStdString();
 }
 
 void UserSettings::setText(Setting setting, const std::string& value)
 {
-    store_->setValue(storeKey(setting), QString::fromStdString(value));
-    store_->sync();
+    m_store->setValue(storeKey(setting), QString::fromStdString(value));
+    m_store->sync();
 }
 
 StartupOptions UserSettings::loadStartup() const

@@ -77,7 +77,7 @@ public:
     int32_t synthLatencyMs() const { return intValue(Setting::SynthLatencyMS); }
 
 private:
-    std::unique_ptr<QSettings> store_;
+    std::unique_ptr<QSettings> m_store;
 };
 
 }  // namespace tarabix

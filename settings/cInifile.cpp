@@ -102,24 +102,24 @@ std::string cInifile::Value() const
 {
     std::string text;
     std::optional<std::string> found;
-    if (readIni(path_, text) == FileState::Read)
-        found = IniText(text).value(section_, key_);
-    return fitValue(found ? *found : defaultText(default_), kValueBufferSize);
+    if (readIni(m_path, text) == FileState::Read)
+        found = IniText(text).value(m_section, m_key);
+    return fitValue(found ? *found : defaultText(m_default), kValueBufferSize);
 }
 
 void cInifile::setValue(std::string_view text)
 {
     std::string value(text);
     std::erase(value, '\0');
-    lastReturnCode_ = editFile(path_, [&](IniText& ini) { return ini.setValue(section_, key_, value); });
+    m_lastReturnCode = editFile(m_path, [&](IniText& ini) { return ini.setValue(m_section, m_key, value); });
 }
 
 int32_t cInifile::LongValue(int32_t defaultValue) const
 {
     std::string text;
     std::optional<std::string> found;
-    if (readIni(path_, text) == FileState::Read)
-        found = IniText(text).value(section_, key_);
+    if (readIni(m_path, text) == FileState::Read)
+        found = IniText(text).value(m_section, m_key);
     if (!found || found->empty())
         return defaultValue;
     // Like the profile call: the leading decimal digits count, anything after them is ignored, a
@@ -137,21 +137,21 @@ int32_t cInifile::LongValue(int32_t defaultValue) const
 
 void cInifile::DeleteKey()
 {
-    lastReturnCode_ = editFile(path_, [&](IniText& ini) { return ini.deleteKey(section_, key_); });
+    m_lastReturnCode = editFile(m_path, [&](IniText& ini) { return ini.deleteKey(m_section, m_key); });
 }
 
 void cInifile::DeleteSection()
 {
-    lastReturnCode_ = editFile(path_, [&](IniText& ini) { return ini.deleteSection(section_); });
+    m_lastReturnCode = editFile(m_path, [&](IniText& ini) { return ini.deleteSection(m_section); });
 }
 
 std::string cInifile::INISection() const
 {
     std::string text;
-    if (readIni(path_, text) == FileState::Read)
-        if (const auto keys = IniText(text).keyNames(section_))
+    if (readIni(m_path, text) == FileState::Read)
+        if (const auto keys = IniText(text).keyNames(m_section))
             return fitList(*keys, kListBufferSize);
-    return fitValue(defaultText(default_), kListBufferSize);
+    return fitValue(defaultText(m_default), kListBufferSize);
 }
 
 void cInifile::setINISection(std::string_view)
@@ -162,9 +162,9 @@ void cInifile::setINISection(std::string_view)
 std::string cInifile::Sections() const
 {
     std::string text;
-    if (readIni(path_, text) == FileState::Read)
+    if (readIni(m_path, text) == FileState::Read)
         return fitList(IniText(text).sectionNames(), kListBufferSize);
-    return fitValue(defaultText(default_), kListBufferSize);
+    return fitValue(defaultText(m_default), kListBufferSize);
 }
 
 std::vector<std::string> cInifile::EnumerateCurrentSection() const

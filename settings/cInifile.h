@@ -17,18 +17,18 @@ public:
     static constexpr size_t kValueBufferSize = 255;
     static constexpr size_t kListBufferSize = 8192;
 
-    const std::string& Path() const { return path_; }
-    void setPath(std::string path) { path_ = std::move(path); }
-    const std::string& Section() const { return section_; }
-    void setSection(std::string section) { section_ = std::move(section); }
-    const std::string& Key() const { return key_; }
-    void setKey(std::string key) { key_ = std::move(key); }
-    const std::string& Default() const { return default_; }
-    void setDefault(std::string text) { default_ = std::move(text); }
+    const std::string& Path() const { return m_path; }
+    void setPath(std::string path) { m_path = std::move(path); }
+    const std::string& Section() const { return m_section; }
+    void setSection(std::string section) { m_section = std::move(section); }
+    const std::string& Key() const { return m_key; }
+    void setKey(std::string key) { m_key = std::move(key); }
+    const std::string& Default() const { return m_default; }
+    void setDefault(std::string text) { m_default = std::move(text); }
 
     // Result of the last write or delete: non-zero for success. Reads leave it alone.
-    int32_t LastReturnCode() const { return lastReturnCode_; }
-    bool Success() const { return lastReturnCode_ != 0; }
+    int32_t LastReturnCode() const { return m_lastReturnCode; }
+    bool Success() const { return m_lastReturnCode != 0; }
 
     std::string Value() const;
     void setValue(std::string_view text);  // NUL characters are removed before writing
@@ -51,11 +51,11 @@ public:
     static int32_t CLngDefault(std::string_view text, int32_t defaultValue);
 
 private:
-    std::string path_;
-    std::string section_;
-    std::string key_;
-    std::string default_;
-    int32_t lastReturnCode_ = 0;
+    std::string m_path;
+    std::string m_section;
+    std::string m_key;
+    std::string m_default;
+    int32_t m_lastReturnCode = 0;
 };
 
 }  // namespace tarabix

@@ -1,31 +1,14 @@
 #include "oud/model/mMaqams.h"
 
 #include "base/Rounding.h"
+#include "base/Text.h"
 #include "settings/TextNumbers.h"
 #include "settings/cInifile.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace tarabix {
 namespace {
-
-bool equalsNoCase(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-    });
-}
-
-std::string trimmed(std::string_view text)
-{
-    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    while (!text.empty() && blank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && blank(text.back()))
-        text.remove_suffix(1);
-    return std::string(text);
-}
 
 // Reads one maqam section; returns the fault text, or "" with `rec` filled.
 std::string readMaqam(cInifile& ini, const std::string& section, MaqamRec& rec)
@@ -33,7 +16,7 @@ std::string readMaqam(cInifile& ini, const std::string& section, MaqamRec& rec)
     ini.setSection(section);
     const auto value = [&](const char* key) {
         ini.setKey(key);
-        return trimmed(ini.Value());
+        return std::string(trim(ini.Value()));
     };
     rec.name = value("name");
 

@@ -14,27 +14,27 @@ namespace tarabix::test {
 class TempFolder {
 public:
     explicit TempFolder(const std::string& name)
-        : dir_(std::filesystem::temp_directory_path() / ("tarabix_" + name + "_" + std::to_string(::getpid())))
+        : m_dir(std::filesystem::temp_directory_path() / ("tarabix_" + name + "_" + std::to_string(::getpid())))
     {
-        std::filesystem::remove_all(dir_);
-        std::filesystem::create_directories(dir_);
+        std::filesystem::remove_all(m_dir);
+        std::filesystem::create_directories(m_dir);
     }
-    ~TempFolder() { std::filesystem::remove_all(dir_); }
+    ~TempFolder() { std::filesystem::remove_all(m_dir); }
 
-    std::string path(const std::string& file) const { return (dir_ / file).string(); }
+    std::string path(const std::string& file) const { return (m_dir / file).string(); }
     std::string write(const std::string& file, const std::string& bytes) const
     {
-        std::ofstream(dir_ / file, std::ios::binary) << bytes;
+        std::ofstream(m_dir / file, std::ios::binary) << bytes;
         return path(file);
     }
     std::string read(const std::string& file) const
     {
-        std::ifstream in(dir_ / file, std::ios::binary);
+        std::ifstream in(m_dir / file, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
 
 private:
-    std::filesystem::path dir_;
+    std::filesystem::path m_dir;
 };
 
 }  // namespace tarabix::test

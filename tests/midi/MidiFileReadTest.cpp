@@ -1,4 +1,4 @@
-#include "MidiBytes.h"
+#include "MidiFixtures.h"
 
 #include <vector>
 
@@ -35,14 +35,14 @@ TEST(MidiFileRead, BrokenAndHostileFilesGiveTheirStatuses)
     struct Case { const char* name; std::string content; int32_t status; };
     const Case cases[] = {
         {"wrong id", "MTHD" + header(1, 1, 96).substr(4) + track, -1},
-        {"length 5", "MThd" + bigEndian32(5) + bytes({0, 1, 0, 1, 0, 96}) + track, -2},
+        {"length 5", "MThd" + bigEndianBytes(5, 4) + bytes({0, 1, 0, 1, 0, 96}) + track, -2},
         {"track count 0", header(1, 0, 96) + track, 9},
         {"track count negative", header(1, 0x8000, 96) + track, 9},
         {"cut inside the header", header(1, 1, 96).substr(0, 11), -2147220479},
         {"fewer tracks than stated", header(1, 2, 96) + track, -2147220479},
-        {"other chunk where a track is expected", header(1, 1, 96) + "XFIH" + bigEndian32(0), -1},
-        {"2 GB chunk", header(1, 1, 96) + "MTrk" + bigEndian32(0x7FFFFFFF) + std::string(1000, 0), -2147220479},
-        {"header claiming 2 GB", "MThd" + bigEndian32(0x7FFFFFFFu) + bytes({0, 1, 0, 1, 0, 96}), -2147220479},
+        {"other chunk where a track is expected", header(1, 1, 96) + "XFIH" + bigEndianBytes(0, 4), -1},
+        {"2 GB chunk", header(1, 1, 96) + "MTrk" + bigEndianBytes(0x7FFFFFFF, 4) + std::string(1000, 0), -2147220479},
+        {"header claiming 2 GB", "MThd" + bigEndianBytes(0x7FFFFFFFu, 4) + bytes({0, 1, 0, 1, 0, 96}), -2147220479},
         {"division 0", header(1, 1, 0) + track, 11},
         {"SMPTE overflow", header(0, 1, 0xE728) + trackChunk(bytes({0x81, 0x83, 0x89, 0x1C, 0xFF, 0x2F, 0})), 6},
         {"most tracks a header can state", header(1, 0x7FFF, 96), -2147220479},
@@ -77,7 +77,7 @@ TEST(MidiFileRead, FuzzCorpusReplays)
 TEST(MidiFileRead, HeaderLengthTenSkipsFourBytes)
 {
     MidiFile file;
-    ASSERT_EQ(readBytes(file, "MThd" + bigEndian32(10) + bytes({0, 0, 0, 1, 0, 96, 'M', 'T', 'r', 'k'}) +
+    ASSERT_EQ(readBytes(file, "MThd" + bigEndianBytes(10, 4) + bytes({0, 0, 0, 1, 0, 96, 'M', 'T', 'r', 'k'}) +
                                   trackChunk(kNoteAt96 + kEndOfTrack)), 0);
     EXPECT_EQ(file.midiFileFormat() + file.numOfTracks(), 1);
     EXPECT_EQ(file.tracks(0)->trkEvents(1).absMS, 500);

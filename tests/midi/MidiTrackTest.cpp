@@ -1,4 +1,4 @@
-#include "MidiBytes.h"
+#include "MidiFixtures.h"
 
 #include "midi/MidiTrack.h"
 
@@ -23,10 +23,10 @@ TEST(ReadTrk, GivesStatusAndEvents)
         {"program change and pressure take one byte", trackChunk(bytes({0, 0xC1, 0x05, 0, 0x07, 0, 0xD2, 0x33})), 0,
          {bytes({0xC1, 0x05, 0x00}), bytes({0xC1, 0x07, 0x00}), bytes({0xD2, 0x33, 0x00})}},
         {"longest delta", trackChunk(bytes({0x87, 0xFF, 0xFF, 0xFF, 0x7F, 0x90, 0x3C, 0x40})), 0, {on}},
-        {"wrong chunk id", "MTRK" + bigEndian32(4) + kEndOfTrack, -1, {}},
-        {"zero length", "MTrk" + bigEndian32(0), -2, {}},
-        {"negative length", "MTrk" + bigEndian32(0x80000000u), -2, {}},
-        {"chunk longer than the input", "MTrk" + bigEndian32(0x7FFFFFF0u) + kEndOfTrack, -2147220479, {}},
+        {"wrong chunk id", "MTRK" + bigEndianBytes(4, 4) + kEndOfTrack, -1, {}},
+        {"zero length", "MTrk" + bigEndianBytes(0, 4), -2, {}},
+        {"negative length", "MTrk" + bigEndianBytes(0x80000000u, 4), -2, {}},
+        {"chunk longer than the input", "MTrk" + bigEndianBytes(0x7FFFFFF0u, 4) + kEndOfTrack, -2147220479, {}},
         {"data without running status", trackChunk(bytes({0x00, 0x3C, 0x40})), -4, {}},
         {"data after meta event", trackChunk(bytes({0}) + on + bytes({0, 0xFF, 1, 1, 0x41, 0, 0x3E, 0x40})), -5,
          {on, bytes({0x01, 0x41})}},

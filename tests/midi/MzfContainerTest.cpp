@@ -1,4 +1,4 @@
-#include "MidiBytes.h"
+#include "MidiFixtures.h"
 
 #include "midi/MidiFile.h"
 #include "midi/MzfContainer.h"

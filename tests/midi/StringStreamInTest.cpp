@@ -1,4 +1,4 @@
-#include "MidiBytes.h"
+#include "MidiFixtures.h"
 
 namespace tarabix {
 namespace {

@@ -98,6 +98,7 @@ TEST_F(MidiMainTest, PitchWheelWordsForShiftsInCents)
     const Case cases[] = {
         {0, 50, 0x5000E0},   {0, -50, 0x3000E0}, {0, 0, 0x4000E0},   {15, 100, 0x6000EF},
         {2, -200, 0x0000E2}, {1, 199, 0x7F57E1}, {0, 150, 0x7000E0}, {0, -150, 0x1000E0},
+        {4, 200, 0x7F7FE4},  // a piece's wheel at its top: still a wheel message, not a data byte 0x80
     };
     openQuietly();
     for (const Case& c : cases) {
@@ -210,25 +211,14 @@ TEST_F(MidiMainTest, DeviceLostWhilePlayingComesBackWithTheShiftsReachedMeanwhil
     EXPECT_EQ(take(), (Words{0x644090}));
 }
 
-TEST(BendToCents, RoundsAndQuantisesToQuarterTones)
+TEST(NearestQuarterTone, TakesCentsToMultiplesOf50WithPlus25GoingUp)
 {
-    struct Case {
-        int32_t bend;
-        int32_t exact;
-        int32_t quantised;
+    const std::pair<int32_t, int32_t> cases[] = {
+        {0, 0},     {25, 50},   {-25, 0},  {24, 0},     {26, 50},   {-26, -50}, {-24, 0},   {50, 50},  {-50, -50},
+        {-200, -200}, {200, 200}, {100, 100}, {75, 100}, {-75, -50}, {-76, -100}, {1, 0},   {-1, 0},   {175, 200},
     };
-    const Case cases[] = {
-        {8192, 0, 0},       {9216, 25, 50},      {7168, -25, 0},      {9175, 24, 0},
-        {9257, 26, 50},     {7127, -26, -50},    {7209, -24, 0},      {10240, 50, 50},
-        {6144, -50, -50},   {0, -200, -200},     {16383, 200, 200},   {12288, 100, 100},
-        {11264, 75, 100},   {5120, -75, -50},    {5079, -76, -100},   {8212, 0, 0},
-        {8213, 1, 0},       {8171, -1, 0},       {8233, 1, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "bend " << c.bend);
-        EXPECT_EQ(bendToCents(c.bend, false), c.exact);
-        EXPECT_EQ(bendToCents(c.bend, true), c.quantised);
-    }
+    for (const auto& [cents, quarterTone] : cases)
+        EXPECT_EQ(nearestQuarterTone(cents), quarterTone) << cents;
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ TEST_F(QtPlayerWaitTest, SleepsUntilTheDueTimeWithoutSpinning)
 // ends that wait at once and the event it waited for is not delivered.
 TEST_F(QtPlayerWaitTest, HandlersRunInsideThePlayersWait)
 {
-    const MidiFile piece = testing::PieceBuilder().noteOn(0, 0, 60).noteOn(0, 100, 61).noteOn(0, 200, 62).build();
+    const MidiFile piece = test::PieceBuilder().noteOn(0, 0, 60).noteOn(0, 100, 61).noteOn(0, 200, 62).build();
     for (Strategy strategy : {Strategy::TimerFd, Strategy::PreciseTimer, Strategy::BusyPoll}) {
         SCOPED_TRACE(static_cast<int>(strategy));
         MonotonicClock clock;

@@ -21,7 +21,7 @@ uint32_t littleEndian(const std::string& b, size_t at, int bytes)
 // it is held that must not bend it.
 MidiFile quarterTonePiece()
 {
-    return testing::PieceBuilder()
+    return test::PieceBuilder()
         .channel(0, 0, 0xE0, 0x00, 0x50)
         .noteOn(0, 0, 69)
         .channel(0, 1500, 0x80, 69, 0)
@@ -79,7 +79,7 @@ TEST(MidiPlayerRender, ARenderFromInsideThePieceKeepsItsQuarterTone)
 {
     if (findSoundFont().empty())
         GTEST_SKIP() << "no General MIDI SoundFont installed";
-    const MidiFile piece = testing::PieceBuilder()
+    const MidiFile piece = test::PieceBuilder()
                                .channel(0, 0, 0xC0, 24, 0)
                                .channel(0, 0, 0xE0, 0x00, 0x50)
                                .noteOn(0, 0, 69)

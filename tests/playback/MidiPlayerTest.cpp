@@ -14,7 +14,7 @@
 namespace tarabix {
 namespace {
 
-using testing::PieceBuilder;
+using test::PieceBuilder;
 using Log = std::vector<std::string>;
 
 // A piece of single notes on track 0: note n + 60 at times[n].

@@ -13,7 +13,7 @@
 namespace tarabix {
 namespace {
 
-using testing::PieceBuilder;
+using test::PieceBuilder;
 using Messages = std::vector<ChannelMessage>;
 
 TEST(PieceChase, TheStateAtAMomentComesFromTheMessagesBeforeIt)

@@ -3,6 +3,7 @@
 #include "PitchEstimator.h"
 #include "TestFiles.h"
 #include "midi/MergedTracks.h"
+#include "midi/MidiBytes.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRender.h"
 #include "playback/PieceRouter.h"
@@ -61,7 +62,7 @@ std::vector<HeardNote> heardNotes(const std::vector<RecordedMessage>& sent)
         } else if (kind == 0xB0) {
             ch.cc[c1] = static_cast<int>(c2);
         } else if (kind == 0xE0) {
-            ch.cents = bendToCents(static_cast<int32_t>(c2 * 128 + c1), false);
+            ch.cents = wheelToCents(static_cast<int32_t>(c2 * 128 + c1));
         } else if (kind == 0x90 && c2 != 0) {
             std::ostringstream how;
             how << "ch" << (m.message & 0x0F) << " note " << c1 << " vel " << c2 << " program " << ch.program

@@ -24,12 +24,12 @@ protected:
     // Writes bytes at a path under the temporary folder, making its folders.
     std::string put(const std::string& relative, const std::string& bytes)
     {
-        fs::create_directories(fs::path(dir_.path(relative)).parent_path());
-        return dir_.write(relative, bytes);
+        fs::create_directories(fs::path(m_dir.path(relative)).parent_path());
+        return m_dir.write(relative, bytes);
     }
-    std::string folder(const std::string& relative) const { return dir_.path(relative); }
+    std::string folder(const std::string& relative) const { return m_dir.path(relative); }
 
-    test::TempFolder dir_{::testing::UnitTest::GetInstance()->current_test_info()->name()};
+    test::TempFolder m_dir{::testing::UnitTest::GetInstance()->current_test_info()->name()};
 };
 
 TEST_F(SoundFontFiles, TheQuickCheckTellsABrokenFileFromAGoodOne)

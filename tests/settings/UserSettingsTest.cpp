@@ -25,12 +25,12 @@ class UserSettingsTest : public ::testing::Test {
 protected:
     UserSettings open(const std::string& text)
     {
-        const std::string path = dir_.write("Tarabix.conf", text);
+        const std::string path = m_dir.write("Tarabix.conf", text);
         return UserSettings(std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat));
     }
-    std::string stored() const { return dir_.read("Tarabix.conf"); }
+    std::string stored() const { return m_dir.read("Tarabix.conf"); }
 
-    test::TempFolder dir_{::testing::UnitTest::GetInstance()->current_test_info()->name()};
+    test::TempFolder m_dir{::testing::UnitTest::GetInstance()->current_test_info()->name()};
 };
 
 TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
@@ -93,24 +93,24 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
 // is possible here.
 class Unwritable {
 public:
-    explicit Unwritable(std::string path) : path_(std::move(path)) { ok_ = change(true); }
+    explicit Unwritable(std::string path) : m_path(std::move(path)) { m_ok = change(true); }
     ~Unwritable()
     {
-        if (ok_)
+        if (m_ok)
             change(false);
     }
-    bool ok() const { return ok_; }
+    bool ok() const { return m_ok; }
 
 private:
     bool change(bool lock)
     {
         if (::geteuid() != 0) {
             struct stat st {};
-            if (lock && ::stat(path_.c_str(), &st) == 0)
-                mode_ = st.st_mode;
-            return ::chmod(path_.c_str(), lock ? mode_ & 0555 : mode_) == 0;
+            if (lock && ::stat(m_path.c_str(), &st) == 0)
+                m_mode = st.st_mode;
+            return ::chmod(m_path.c_str(), lock ? m_mode & 0555 : m_mode) == 0;
         }
-        const int fd = ::open(path_.c_str(), O_RDONLY);
+        const int fd = ::open(m_path.c_str(), O_RDONLY);
         int flags = 0;
         bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
         flags = lock ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
@@ -120,9 +120,9 @@ private:
         return done;
     }
 
-    std::string path_;
-    mode_t mode_ = 0;
-    bool ok_ = false;
+    std::string m_path;
+    mode_t m_mode = 0;
+    bool m_ok = false;
 };
 
 // A profile that cannot be written (a locked-down account, a read-only disk): the learner's
@@ -130,9 +130,9 @@ private:
 TEST_F(UserSettingsTest, UnwritableStoreKeepsStoredChoicesAndTheSessionsChanges)
 {
     const std::string before = "[options]\nUdOrient=3\napproxQrt=False\nNoteNamesType=1\n";
-    const std::string path = dir_.write("Tarabix.conf", before);
+    const std::string path = m_dir.write("Tarabix.conf", before);
     {
-        const Unwritable folder(dir_.path("."));
+        const Unwritable folder(m_dir.path("."));
         const Unwritable file(path);
         if (!folder.ok() || !file.ok())
             GTEST_SKIP() << "cannot make the store unwritable here";

@@ -4,18 +4,22 @@
 // (drums too), program changes, pitch wheels in quarter tones, text markers with "Q:" maqam
 // choices (known, unknown, malformed), lyrics, names, system exclusive messages, and every kind
 // of division (ticks per quarter note and SMPTE frames).
+#include "midi/EventList.h"
+#include "midi/MidiBytes.h"
 #include "midi/MidiFile.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
 
-using tarabix::ListedEvent;
-using tarabix::MidiEvent;
+using namespace tarabix;
 
 struct Division {
     int16_t raw;
@@ -45,11 +49,11 @@ const char* const kMarkers[] = {"Q:Rast/0", "Q:Bayati/2", "q:saba/7",  "Q:Hijaz/
 
 class PieceMaker {
 public:
-    explicit PieceMaker(uint32_t seed) : rng_(seed) {}
+    explicit PieceMaker(uint32_t seed) : m_rng(seed) {}
 
     std::string make()
     {
-        events_.clear();
+        m_events.clear();
         const Division& div = divisions()[pick(0, static_cast<int>(divisions().size()) - 1)];
         const int tracks = pick(1, 5);
         const bool format0 = tracks == 1 && pick(0, 1) == 0;
@@ -58,19 +62,19 @@ public:
         const int32_t lastTick = static_cast<int32_t>(lengthMs / div.msPerTickAtDefaultTempo) + 1;
 
         if (pick(0, 1))
-            meta(0, 0, 0x03, "soak piece");
-        meta(0, 0, 0x58, std::string{4, 2, 24, 8});
+            m_events.meta(0, 0, midimeta::kTrackName, "soak piece");
+        m_events.meta(0, 0, midimeta::kTimeSignature, std::string{4, 2, 24, 8});
         // SMPTE pieces carry tempo events too: their timing must ignore them.
         const int changes = pick(0, 4);
         for (int i = 0; i < changes; ++i)
-            meta(0, pick(0, lastTick), 0x51, tempoBytes(pick(250000, 1000000)));
+            m_events.tempo(0, pick(0, lastTick), pick(250000, 1000000));
         for (int t = 0; t < tracks; ++t)
             fillTrack(t, lastTick);
 
-        tarabix::MidiFile file;
+        MidiFile file;
         file.setMidiFileFormat(format0 ? 0 : 1);
         file.setMidiHdrDivision(div.raw);
-        if (const int32_t status = file.setFromList(events_)) {
+        if (const int32_t status = file.setFromList(m_events.events())) {
             std::fprintf(stderr, "tarabix-soak-pieces: setFromList status %d\n", status);
             return {};
         }
@@ -83,39 +87,20 @@ public:
     }
 
 private:
-    int pick(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng_); }
+    int pick(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(m_rng); }
 
-    void add(int32_t track, int32_t tick, int32_t type, std::string data)
-    {
-        ListedEvent e;
-        e.track = track;
-        e.absTick = tick;
-        e.event.eType = type;
-        e.event.eData = std::move(data);
-        events_.push_back(std::move(e));
-    }
-    void meta(int32_t track, int32_t tick, int type, const std::string& data)
-    {
-        add(track, tick, MidiEvent::kMeta, std::string(1, static_cast<char>(type)) + data);
-    }
     void channel(int32_t track, int32_t tick, int status, int d1, int d2)
     {
-        add(track, tick, MidiEvent::kChannelMessage,
-            {static_cast<char>(status), static_cast<char>(d1), static_cast<char>(d2)});
-    }
-
-    static std::string tempoBytes(int32_t us)
-    {
-        return {static_cast<char>(us >> 16 & 0xFF), static_cast<char>(us >> 8 & 0xFF), static_cast<char>(us & 0xFF)};
+        m_events.channel(track, tick, static_cast<uint8_t>(status), static_cast<uint8_t>(d1), static_cast<uint8_t>(d2));
     }
 
     void fillTrack(int32_t track, int32_t lastTick)
     {
         const int ch = pick(0, 15);
-        meta(track, 0, 0x03, "track " + std::to_string(track));
+        m_events.meta(track, 0, midimeta::kTrackName, "track " + std::to_string(track));
         if (pick(0, 1))
-            meta(track, 0, 0x04, "oud");
-        channel(track, 0, 0xC0 | ch, pick(0, 127), 0);
+            m_events.meta(track, 0, midimeta::kInstrumentName, "oud");
+        channel(track, 0, midistatus::kProgramChange | ch, pick(0, 127), 0);
         const int notes = pick(0, 40);
         for (int i = 0; i < notes; ++i) {
             const int32_t on = pick(0, lastTick);
@@ -124,28 +109,26 @@ private:
             const int noteCh = pick(0, 5) == 0 ? pick(0, 15) : ch;
             if (pick(0, 3) == 0) {
                 // A quarter tone: the wheel moves while the channel is silent, then comes back.
-                const int cents = pick(-4, 4) * 50;
-                const int value = std::clamp(8192 + cents * 4096 / 100, 0, 16383);
-                channel(track, on, 0xE0 | noteCh, value & 0x7F, value >> 7 & 0x7F);
+                m_events.pitchWheel(track, on, static_cast<uint8_t>(noteCh), pick(-4, 4) * 50);
             }
-            channel(track, on, 0x90 | noteCh, key, pick(1, 127));
+            channel(track, on, midistatus::kNoteOn | noteCh, key, pick(1, 127));
             // Half the notes end with a note-on of velocity 0, as many writers do.
             if (pick(0, 1))
-                channel(track, off, 0x80 | noteCh, key, pick(0, 127));
+                channel(track, off, midistatus::kNoteOff | noteCh, key, pick(0, 127));
             else
-                channel(track, off, 0x90 | noteCh, key, 0);
+                channel(track, off, midistatus::kNoteOn | noteCh, key, 0);
         }
         const int others = pick(0, 10);
         for (int i = 0; i < others; ++i) {
             const int32_t tick = pick(0, lastTick);
             switch (pick(0, 6)) {
-            case 0: channel(track, tick, 0xC0 | pick(0, 15), pick(0, 127), 0); break;
-            case 1: channel(track, tick, 0xB0 | pick(0, 15), pick(0, 127), pick(0, 127)); break;
-            case 2: channel(track, tick, 0xE0 | pick(0, 15), pick(0, 127), pick(0, 127)); break;
-            case 3: channel(track, tick, 0xD0 | pick(0, 15), pick(0, 127), 0); break;
-            case 4: channel(track, tick, 0xA0 | pick(0, 15), pick(0, 127), pick(0, 127)); break;
-            case 5: meta(track, tick, 0x05, "la"); break;
-            default: meta(track, tick, pick(0, 1) ? 0x01 : 0x06, kMarkers[pick(0, std::size(kMarkers) - 1)]); break;
+            case 0: channel(track, tick, midistatus::kProgramChange | pick(0, 15), pick(0, 127), 0); break;
+            case 1: channel(track, tick, midistatus::kController | pick(0, 15), pick(0, 127), pick(0, 127)); break;
+            case 2: channel(track, tick, midistatus::kPitchWheel | pick(0, 15), pick(0, 127), pick(0, 127)); break;
+            case 3: channel(track, tick, midistatus::kChannelPressure | pick(0, 15), pick(0, 127), 0); break;
+            case 4: channel(track, tick, midistatus::kKeyPressure | pick(0, 15), pick(0, 127), pick(0, 127)); break;
+            case 5: m_events.meta(track, tick, midimeta::kLyric, "la"); break;
+            default: m_events.meta(track, tick, pick(0, 1) ? midimeta::kText : midimeta::kMarker, kMarkers[pick(0, std::size(kMarkers) - 1)]); break;
             }
         }
     }
@@ -171,20 +154,16 @@ private:
             body += vlq(static_cast<uint32_t>(pick(0, lastTick / messages))) + '\xF0' + vlq(static_cast<uint32_t>(data.size())) + data;
         }
         body += std::string("\x00\xFF\x2F\x00", 4);
-        const uint32_t len = static_cast<uint32_t>(body.size());
         smf += "MTrk";
-        for (int shift = 24; shift >= 0; shift -= 8)
-            smf.push_back(static_cast<char>(len >> shift & 0xFF));
+        appendBigEndian(smf, static_cast<uint32_t>(body.size()), 4);
         smf += body;
-        // One more track in the header's count (bytes 10-11, big-endian).
-        const int count = (static_cast<uint8_t>(smf[10]) << 8 | static_cast<uint8_t>(smf[11])) + 1;
-        smf[10] = static_cast<char>(count >> 8);
-        smf[11] = static_cast<char>(count & 0xFF);
+        // One more track in the header's count (bytes 10-11).
+        smf.replace(10, 2, bigEndianBytes(readBigEndian(std::string_view(smf).substr(10, 2)) + 1, 2));
         return smf;
     }
 
-    std::mt19937 rng_;
-    std::vector<ListedEvent> events_;
+    std::mt19937 m_rng;
+    EventList m_events;
 };
 
 }  // namespace

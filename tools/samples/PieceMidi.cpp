@@ -1,5 +1,8 @@
 #include "tools/samples/PieceMidi.h"
 
+#include "midi/EventList.h"
+#include "midi/MidiBytes.h"
+
 #include <cmath>
 
 namespace tarabix::samples {
@@ -7,7 +10,7 @@ namespace tarabix::samples {
 namespace {
 
 constexpr uint8_t kOudChannel = 0;
-constexpr uint8_t kDrumChannel = 9;
+constexpr uint8_t kDrumChannel = kMidiPercussionChannel;
 constexpr int32_t kConductorTrack = 0;
 constexpr int32_t kOudTrack = 1;
 constexpr int32_t kDrumTrack = 2;
@@ -18,44 +21,6 @@ constexpr uint8_t kDoumKey = 64;
 constexpr uint8_t kDoumBodyKey = 35;
 constexpr uint8_t kTekKey = 60;
 constexpr uint8_t kKaKey = 62;
-
-class EventList {
-public:
-    void channel(int32_t track, int32_t tick, uint8_t status, uint8_t d1, uint8_t d2)
-    {
-        add(track, tick, MidiEvent::kChannelMessage, {static_cast<char>(status), static_cast<char>(d1), static_cast<char>(d2)});
-    }
-    void meta(int32_t track, int32_t tick, uint8_t type, const std::string& data)
-    {
-        add(track, tick, MidiEvent::kMeta, std::string(1, static_cast<char>(type)) + data);
-    }
-    void pitchWheel(int32_t tick, int32_t cents)
-    {
-        // Wheel range of two semitones: 4096 steps per 100 cents around the centre 8192.
-        const int32_t value = 8192 + cents * 4096 / 100;
-        channel(kOudTrack, tick, static_cast<uint8_t>(0xE0 | kOudChannel), static_cast<uint8_t>(value & 0x7F),
-                static_cast<uint8_t>(value >> 7 & 0x7F));
-    }
-    const std::vector<ListedEvent>& events() const { return events_; }
-
-private:
-    void add(int32_t track, int32_t tick, int32_t type, std::string data)
-    {
-        ListedEvent e;
-        e.track = track;
-        e.absTick = tick;
-        e.event.eType = type;
-        e.event.eData = std::move(data);
-        events_.push_back(std::move(e));
-    }
-    std::vector<ListedEvent> events_;
-};
-
-std::string tempoBytes(int32_t bpm)
-{
-    const int32_t us = 60'000'000 / bpm;
-    return {static_cast<char>(us >> 16 & 0xFF), static_cast<char>(us >> 8 & 0xFF), static_cast<char>(us & 0xFF)};
-}
 
 std::string timeSignatureBytes(const Rhythm& r)
 {
@@ -83,16 +48,16 @@ void addMelody(const ParsedPiece& parsed, int32_t barTicks, EventList& out)
         const Section& section = piece.sections[s];
         for (int32_t r = 0; r < section.repeats; ++r) {
             if (r == 0 && !section.maqamChange.empty())
-                out.meta(kOudTrack, tick, 0x01, "Q:" + section.maqamChange);
+                out.meta(kOudTrack, tick, midimeta::kText, "Q:" + section.maqamChange);
             int32_t sectionTick = 0;
             for (const MelodyNote& note : parsed.sections[s]) {
                 if (note.key >= 0 && !continuesTie) {
                     // The wheel moves only between notes, so a sounding note never slides.
                     if (note.cents != wheelCents) {
-                        out.pitchWheel(tick, note.cents);
+                        out.pitchWheel(kOudTrack, tick, kOudChannel, note.cents);
                         wheelCents = note.cents;
                     }
-                    out.channel(kOudTrack, tick, static_cast<uint8_t>(0x90 | kOudChannel), static_cast<uint8_t>(note.key),
+                    out.channel(kOudTrack, tick, midistatus::kNoteOn | kOudChannel, static_cast<uint8_t>(note.key),
                                 velocityAt(sectionTick % barTicks));
                     soundingKey = note.key;
                 }
@@ -100,21 +65,21 @@ void addMelody(const ParsedPiece& parsed, int32_t barTicks, EventList& out)
                 sectionTick += note.ticks;
                 continuesTie = note.key >= 0 && note.tiedToNext;
                 if (soundingKey >= 0 && !continuesTie) {
-                    out.channel(kOudTrack, tick, static_cast<uint8_t>(0x80 | kOudChannel), static_cast<uint8_t>(soundingKey), 64);
+                    out.channel(kOudTrack, tick, midistatus::kNoteOff | kOudChannel, static_cast<uint8_t>(soundingKey), 64);
                     soundingKey = -1;
                 }
             }
         }
     }
     if (wheelCents != 0)
-        out.pitchWheel(tick, 0);
+        out.pitchWheel(kOudTrack, tick, kOudChannel, 0);
 }
 
 void addStroke(EventList& out, int32_t tick, char stroke, int32_t length)
 {
     const auto hit = [&](uint8_t key, uint8_t velocity) {
-        out.channel(kDrumTrack, tick, static_cast<uint8_t>(0x90 | kDrumChannel), key, velocity);
-        out.channel(kDrumTrack, tick + length, static_cast<uint8_t>(0x80 | kDrumChannel), key, 64);
+        out.channel(kDrumTrack, tick, midistatus::kNoteOn | kDrumChannel, key, velocity);
+        out.channel(kDrumTrack, tick + length, midistatus::kNoteOff | kDrumChannel, key, 64);
     };
     switch (stroke) {
     case 'D':
@@ -186,29 +151,31 @@ int32_t buildPieceMidi(const ParsedPiece& parsed, MidiFile& midi)
     const int32_t barTicks = barTicksOf(piece.rhythm->num, piece.rhythm->den);
     EventList out;
 
-    out.meta(kConductorTrack, 0, 0x03, piece.title);
-    out.meta(kConductorTrack, 0, 0x58, timeSignatureBytes(*piece.rhythm));
+    out.meta(kConductorTrack, 0, midimeta::kTrackName, piece.title);
+    out.meta(kConductorTrack, 0, midimeta::kTimeSignature, timeSignatureBytes(*piece.rhythm));
     int32_t tick = 0;
     for (size_t s = 0; s < piece.sections.size(); ++s) {
         const Section& section = piece.sections[s];
         if (s == 0 || section.bpm != piece.sections[s - 1].bpm)
-            out.meta(kConductorTrack, tick, 0x51, tempoBytes(section.bpm));
+            out.tempo(kConductorTrack, tick, 60'000'000 / section.bpm);
         for (const MelodyNote& note : parsed.sections[s])
             tick += note.ticks * section.repeats;
     }
 
-    out.meta(kOudTrack, 0, 0x03, "Oud");
-    out.meta(kOudTrack, 0, 0x01, "Q:" + piece.maqam + "/" + std::to_string(piece.tonic));
-    out.channel(kOudTrack, 0, 0xC0 | kOudChannel, static_cast<uint8_t>(piece.program), 0);
+    out.meta(kOudTrack, 0, midimeta::kTrackName, "Oud");
+    out.meta(kOudTrack, 0, midimeta::kText, "Q:" + piece.maqam + "/" + std::to_string(piece.tonic));
+    out.channel(kOudTrack, 0, midistatus::kProgramChange | kOudChannel, static_cast<uint8_t>(piece.program), 0);
     // Pitch-bend range of two semitones (registered parameter 0), then back to no parameter.
-    for (const auto& [cc, value] : {std::pair{101, 0}, {100, 0}, {6, 2}, {38, 0}, {101, 127}, {100, 127}})
-        out.channel(kOudTrack, 0, 0xB0 | kOudChannel, static_cast<uint8_t>(cc), static_cast<uint8_t>(value));
-    out.channel(kOudTrack, 0, 0xB0 | kOudChannel, 7, 110);
-    out.channel(kOudTrack, 0, 0xB0 | kOudChannel, 91, 40);
+    using namespace midicc;
+    for (const auto& [cc, value] : {std::pair{kRegisteredMsb, 0}, {kRegisteredLsb, 0}, {kDataEntryMsb, 2}, {kDataEntryLsb, 0},
+                                    {kRegisteredMsb, kNoParameter}, {kRegisteredLsb, kNoParameter}})
+        out.channel(kOudTrack, 0, midistatus::kController | kOudChannel, cc, static_cast<uint8_t>(value));
+    out.channel(kOudTrack, 0, midistatus::kController | kOudChannel, kVolume, 110);
+    out.channel(kOudTrack, 0, midistatus::kController | kOudChannel, kReverb, 40);
     addMelody(parsed, barTicks, out);
 
-    out.meta(kDrumTrack, 0, 0x03, "Darbuka");
-    out.channel(kDrumTrack, 0, 0xB0 | kDrumChannel, 7, 90);
+    out.meta(kDrumTrack, 0, midimeta::kTrackName, "Darbuka");
+    out.channel(kDrumTrack, 0, midistatus::kController | kDrumChannel, midicc::kVolume, 90);
     addDrums(parsed, barTicks, out);
 
     midi.clear();

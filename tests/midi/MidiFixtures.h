@@ -1,5 +1,6 @@
 #pragma once
 
+#include "midi/MidiBytes.h"
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 #include "midi/StringStreamIn.h"
@@ -24,19 +25,14 @@ inline std::string bytes(std::initializer_list<int> values)
     return std::string(values.begin(), values.end());
 }
 
-inline std::string bigEndian32(uint32_t v)
-{
-    return bytes({int(v >> 24), int(v >> 16 & 0xFF), int(v >> 8 & 0xFF), int(v & 0xFF)});
-}
-
 inline std::string trackChunk(const std::string& body)
 {
-    return "MTrk" + bigEndian32(static_cast<uint32_t>(body.size())) + body;
+    return "MTrk" + bigEndianBytes(static_cast<uint32_t>(body.size()), 4) + body;
 }
 
 inline std::string header(int format, int nTracks, int division)
 {
-    return "MThd" + bigEndian32(6) +
+    return "MThd" + bigEndianBytes(6, 4) +
            bytes({format >> 8 & 0xFF, format & 0xFF, nTracks >> 8 & 0xFF, nTracks & 0xFF, division >> 8 & 0xFF,
                   division & 0xFF});
 }
