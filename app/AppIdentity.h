@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TarabixVersion.h"
+
 #include <QString>
 
 namespace tarabix {
@@ -7,8 +9,8 @@ namespace tarabix {
 // Who the program is and where its files are: set once at start, read everywhere afterwards.
 struct AppIdentity {
     QString name = QStringLiteral("Tarabix");
-    QString title = QStringLiteral("Tarabix 1.4");
-    QString version = QStringLiteral("1.4");
+    QString title = QStringLiteral("Tarabix " TARABIX_VERSION);
+    QString version = QStringLiteral(TARABIX_VERSION);
     QString releaseDate = QStringLiteral("03/03/2006");
     QString programFolder;  // the executable's folder, no trailing separator
     QString settingsPath;   // kept for reference: settings live in the per-user store

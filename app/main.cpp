@@ -2,6 +2,8 @@
 #include "app/fMain.h"
 #include "playback/SoundFontLocator.h"
 
+#include "TarabixVersion.h"
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
@@ -86,7 +88,7 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Tarabix"));
     QApplication::setApplicationName(QStringLiteral("Tarabix"));
-    QApplication::setApplicationVersion(QStringLiteral("1.4"));
+    QApplication::setApplicationVersion(QStringLiteral(TARABIX_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("tarabix"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("tarabix")));
 

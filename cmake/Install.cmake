@@ -24,11 +24,7 @@ endif()
 
 set(TARABIX_PACKAGING_DIR ${CMAKE_SOURCE_DIR}/packaging)
 
-foreach(program tarabix tarabix-cli)
-  if(TARGET ${program})
-    install(TARGETS ${program} RUNTIME DESTINATION ${TARABIX_INSTALL_PROGRAM_DIR})
-  endif()
-endforeach()
+install(TARGETS tarabix tarabix-cli RUNTIME DESTINATION ${TARABIX_INSTALL_PROGRAM_DIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/data/ DESTINATION ${TARABIX_INSTALL_DATA_DIR} PATTERN ".*" EXCLUDE)
 
 install(FILES ${TARABIX_PACKAGING_DIR}/tarabix-mzf.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)

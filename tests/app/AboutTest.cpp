@@ -4,6 +4,8 @@
 
 #include "app/AppIdentity.h"
 
+#include "TarabixVersion.h"
+
 #include <gtest/gtest.h>
 
 #include <QLabel>
@@ -16,9 +18,9 @@ TEST(AboutTest, ShowsTheIdentityAndTheToolsAndClosesOnOk)
 {
     fAbout dlg{AppIdentity()};
     dlg.show();
-    EXPECT_EQ(dlg.windowTitle(), "About Tarabix 1.4");
-    EXPECT_EQ(dlg.lblTitle->text(), "Tarabix 1.4");
-    for (const char* text : {"1.4", "03/03/2006"})
+    EXPECT_EQ(dlg.windowTitle(), "About Tarabix " TARABIX_VERSION);
+    EXPECT_EQ(dlg.lblTitle->text(), "Tarabix " TARABIX_VERSION);
+    for (const char* text : {TARABIX_VERSION, "03/03/2006"})
         EXPECT_TRUE(dlg.lblVersion->text().contains(QLatin1String(text))) << text;
     for (const char* tool : {"Qt", "FluidSynth", "RtMidi"})
         EXPECT_TRUE(dlg.lblCredits->text().contains(QLatin1String(tool))) << tool;

@@ -10,6 +10,8 @@
 #include "tests/playback/SoundFontBytes.h"
 #include "playback/mMidiMain.h"
 
+#include "TarabixVersion.h"
+
 #include <gtest/gtest.h>
 
 #include <QComboBox>
@@ -226,7 +228,7 @@ TEST_F(MidiDevsTest, SaysWhyADeviceIsSilent)
         EXPECT_EQ(box->text(), "Unable to use this device now.\r\n"
                                "It might be in exclusive use by another program, or it can be unusable.");
         EXPECT_EQ(box->icon(), QMessageBox::Warning);
-        EXPECT_EQ(box->windowTitle(), "Tarabix 1.4");
+        EXPECT_EQ(box->windowTitle(), "Tarabix " TARABIX_VERSION);
         EXPECT_TRUE(dlg.lblStatus->isVisibleTo(&dlg));
         EXPECT_TRUE(dlg.lblStatus->text().contains("the recorder was told to fail"));
         EXPECT_FALSE(dlg.testRunning());

@@ -1,12 +1,14 @@
 #include "tools/cli/Commands.h"
 
+#include "TarabixVersion.h"
+
 #include <cstdio>
 
 namespace tarabix::cli {
 
 int version(const Args&)
 {
-    std::puts("Tarabix 1.4");
+    std::puts("Tarabix " TARABIX_VERSION);
     return 0;
 }
 
