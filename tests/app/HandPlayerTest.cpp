@@ -142,6 +142,19 @@ TEST_F(HandPlayerTest, APressSoundsAndMarksThePitchAtThePointItsReleaseUndoesBot
     hand.release(Qt::LeftButton);
 }
 
+// A piece may be marking the very place the learner clicks with marks turned off: the release takes
+// off only what its press put up.
+TEST_F(HandPlayerTest, AnUnmarkedNoteLeavesAPiecesMarkAtItsPlaceAlone)
+{
+    rig.display.noteOnDisplay(50, 0, true);
+    ASSERT_TRUE(marked(50, 0));
+    hand.setOptions({.playHilite = false});
+    hand.press(at(50, 0), Qt::LeftButton);
+    hand.release(Qt::LeftButton);
+    EXPECT_EQ(sent(), (std::vector<std::string>{"on 5000 v77", "off 50"}));
+    EXPECT_TRUE(marked(50, 0));
+}
+
 TEST_F(HandPlayerTest, ASecondPressLiftsTheFirstNoteAndOneReleaseEndsAll)
 {
     hand.press(at(50, 0), Qt::LeftButton);
