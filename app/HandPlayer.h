@@ -42,7 +42,7 @@ public:
     // The velocity of each strike: the window's volume.
     std::function<int()> velocity;
     // The side of a marked note that lies off the instrument (kRangeBelow, kRangeAbove), and 0 once
-    // such a note is released.
+    // a marked note is released.
     std::function<void(int32_t side)> showRangeSide;
 
     void press(PicPointF point, Qt::MouseButton button);

@@ -256,7 +256,8 @@ void fMain::tmrAct_Timer()
     if (ours && !m_deviceHeld) {
         reopenMidiOut();
         m_deviceHeld = true;
-    } else if (!ours && m_deviceHeld && getMidiDeviceId() != kMidiMapperId && !m_inPlay && !(m_hand && m_hand->holdsNote())) {
+    } else if (!ours && m_deviceHeld && getMidiDeviceId() != kMidiMapperId && !m_inPlay
+               && !(m_hand && m_hand->holdsNote())) {
         closeMidiOut();
         m_deviceHeld = false;
     }

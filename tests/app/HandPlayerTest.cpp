@@ -54,7 +54,8 @@ protected:
             else if (i < m_from)
                 continue;
             else if (status == 0x90)
-                out.push_back("on " + std::to_string(static_cast<int32_t>(d1) * 100 + cents) + " v" + std::to_string(d2));
+                out.push_back("on " + std::to_string(static_cast<int32_t>(d1) * 100 + cents) + " v" +
+                              std::to_string(d2));
             else if (status == 0x80)
                 out.push_back("off " + std::to_string(d1));
         }

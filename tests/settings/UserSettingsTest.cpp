@@ -43,7 +43,8 @@ TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
     EXPECT_EQ(std::make_tuple(o.mkbDblOn1MS, o.mkbDblOffMS), std::make_tuple(5, 2));
     // A fresh profile shows what a bare NotePresentation does: names everywhere, C D E.
     EXPECT_EQ(settings.notePresentation(), NotePresentation{});
-    EXPECT_EQ(NotePresentation{}, (NotePresentation{.restNoMaqam = 1, .restMaqam = 1, .playNoMaqam = 1, .playMaqam = 1, .nameSystem = 0}));
+    EXPECT_EQ(NotePresentation{},
+              (NotePresentation{.restNoMaqam = 1, .restMaqam = 1, .playNoMaqam = 1, .playMaqam = 1, .nameSystem = 0}));
     EXPECT_EQ(settings.udOrient(), 1);
     EXPECT_EQ(settings.tuningICateg(), 0);
     EXPECT_EQ(settings.synthLatencyMs(), 20);
