@@ -2,6 +2,8 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/HandPlayer.h"
+#include "app/ScopedFlag.h"
 #include "app/fSheet.h"
 #include "oud/view/UdPictureWidget.h"
 #include "oud/view/UdResources.h"
@@ -34,7 +36,6 @@ fMain::fMain(fMainEnvironment environment) : m_env(std::move(environment))
     connectFileCommands();
     connectTransport();
     connectMenus();
-    resetPlayerChannelTables();
 }
 
 fMain::~fMain()
@@ -63,24 +64,18 @@ bool fMain::load()
         move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
     }
 
-    m_initialising = true;
-    m_fillingControls = true;
-    loadSettings();
-    if (!checkResources()) {
-        m_initialising = false;
-        return false;
+    {
+        const ScopedFlag filling(m_fillingControls);
+        if (!checkResources())
+            return false;
+        loadSettings();
+        fillTuningList();
+        m_router.setVolume(sldVolume->value());
+        fillMaqamLists();
+        udMidiOctShift->setValue(0);
+        udTuneOctShift->setValue(0);
+        redrawFingerboard();
     }
-    fillTuningList();
-    m_router.setVolume(sldVolume->value());
-    fillMaqamLists();
-    udMidiOctShift->setValue(0);
-    udTuneOctShift->setValue(0);
-    resetPlayerChannelTables();
-    m_kbDownShift = 1;
-    showHideKbLabels(true);
-    redrawFingerboard();
-    m_fillingControls = false;
-    m_initialising = false;
 
     // The SoundFont from the command line wins for this run over the one chosen before.
     if (soundFontOverride().empty())
@@ -100,22 +95,21 @@ bool fMain::load()
     return true;
 }
 
+// The learner's choices that need the fingerboard and the hand player made by checkResources.
 void fMain::loadSettings()
 {
     const StartupOptions o = m_settings->loadStartup();
-    m_approxQrt = o.approxQrt;
-    m_playMouseMove = o.playMouseMove;
-    m_mkbPlayHilite = o.mkbPlayHilite;
-    m_mkbDoubling = o.mkbDoubling;
-    m_mkbDblOn1MS = o.mkbDblOn1MS;
-    m_mkbDblOffMS = o.mkbDblOffMS;
-    m_noteNamesType = o.noteNamesType;
-    if (QAbstractButton* option = optNNames->button(m_noteNamesType))
+    // The key guides are shown at every start.
+    m_hand->setOptions({.approxQrt = o.approxQrt,
+                        .playMouseMove = o.playMouseMove,
+                        .playHilite = o.mkbPlayHilite,
+                        .doubling = o.mkbDoubling,
+                        .showKbGuides = true,
+                        .doubleOnMs = o.mkbDblOn1MS,
+                        .doubleOffMs = o.mkbDblOffMS});
+    m_display->setPresentation(m_settings->notePresentation());
+    if (QAbstractButton* option = optNNames->button(nameSystem()))
         option->setChecked(true);
-    m_UdNotesPres_Rest_NoMaqam = o.notesPres[0];
-    m_UdNotesPres_Play_NoMaqam = o.notesPres[1];
-    m_UdNotesPres_Rest_Maqam = o.notesPres[2];
-    m_UdNotesPres_Play_Maqam = o.notesPres[3];
 }
 
 bool fMain::checkResources()
@@ -132,7 +126,6 @@ bool fMain::checkResources()
     m_display = std::make_unique<UdDisplay>(std::move(loaded.resources));
     m_display->attach(&m_oud);
     m_display->followMaqams(&m_maqams);
-    applyNotePresentation();
 
     m_fingerboard = new UdPictureWidget(m_display.get(), fingerboardHost);
     m_fingerboard->setFocusPolicy(Qt::StrongFocus);
@@ -147,12 +140,6 @@ bool fMain::checkResources()
     m_appliedTuningId = m_oud.curTuningId();
     m_appliedTuneOctShift = 0;
     return true;
-}
-
-void fMain::resetPlayerChannelTables()
-{
-    for (auto& table : m_playerChannelTables)
-        table.fill(-1);
 }
 
 void fMain::unload()

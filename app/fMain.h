@@ -13,7 +13,6 @@
 #include <QPointer>
 #include <QSettings>
 
-#include <array>
 #include <functional>
 #include <memory>
 
@@ -28,9 +27,9 @@ class QTimer;
 
 namespace tarabix {
 
+class HandPlayer;
 class UdPictureWidget;
 class UserSettings;
-class KeyGuideOverlay;
 class QtPlayerWait;
 class fChannels;
 
@@ -66,8 +65,7 @@ public:
     mMaqams& maqams() { return m_maqams; }
     UdDisplay* display() { return m_display.get(); }
     UdPictureWidget* fingerboard() { return m_fingerboard; }
-    int32_t noteNamesType() const { return m_noteNamesType; }
-    int32_t keyboardDownShift() const { return m_kbDownShift; }
+    HandPlayer* handPlayer() { return m_hand.get(); }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -146,7 +144,8 @@ private:
     void refillTonicList(int32_t maqamIndex);
     void applyMaqamMarker(const std::string& text);
     void applyMaqamMarker(MaqamMarker marker);
-    void applyNotePresentation();
+    void showNotesAs(const NotePresentation& chosen);
+    int32_t nameSystem() const;
     void redrawFingerboard();
     void showRangeSide(int32_t side);
 
@@ -182,19 +181,9 @@ private:
     void showOutputNoticeOnce();
     void setButtonDown(QPushButton* button, bool down);
 
-    // Playing by mouse and computer keyboard (fMainPlayByHand.cpp).
+    // The window's share of playing by hand: which keys reach the hand player (fMainPlayByHand.cpp).
     void connectPlayByHand();
-    void playNote(int ch, int32_t note, int32_t cents, int velocity, bool highlight);
-    void playNoteDoubled(int ch, int32_t note, int32_t cents, int velocity, bool highlight);
-    void stopNote(int ch, int32_t note, int32_t cents, bool highlight);
-    void shiftKeyboard(int delta);
-    void showHideKbLabels(bool show);
-    void fingerboardPressed(PicPointF point, Qt::MouseButton button);
-    void fingerboardMoved(PicPointF point, Qt::MouseButtons buttons);
-    void fingerboardReleased(PicPointF point, Qt::MouseButton button);
-    void waitPumping(int32_t ms);
     bool handleGridKey(QKeyEvent* event, bool down);
-    bool handHoldsNote() const;
 
     fMainEnvironment m_env;
     std::unique_ptr<UserSettings> m_settings;
@@ -202,14 +191,13 @@ private:
     mMaqams m_maqams;
     std::unique_ptr<UdDisplay> m_display;
     UdPictureWidget* m_fingerboard = nullptr;
-    KeyGuideOverlay* m_keyGuides = nullptr;
+    std::unique_ptr<HandPlayer> m_hand;
 
     // The open piece. Shared so that a piece replaced while the player still runs over it lives
     // until the player has let go.
     QString m_currFile;
     std::shared_ptr<MidiFile> m_mf = std::make_shared<MidiFile>();
     int32_t m_pieceLength = 0;
-    bool m_hasSheet = false;
 
     MonotonicClock m_clock;
     std::unique_ptr<QtPlayerWait> m_wait;
@@ -222,7 +210,7 @@ private:
     // moved to since.
     int32_t m_resumeFromMs = 0;
     bool m_positionUpdatesSuspended = false;
-    bool m_settingButtons = false;
+    bool m_settingButtons = false;  // the program sets the transport buttons: their handlers stay still
     int32_t m_startDelayMs = 0;
     float m_catchUpTolerance = 1.0f;
     bool m_deviceHeld = false;
@@ -231,40 +219,13 @@ private:
     QPointer<fChannels> m_channelsDialog;
 
     bool m_formLoaded = false;
-    bool m_initialising = false;
+    // The program fills or sets the instrument's lists and buttons: their handlers stay still.
     bool m_fillingControls = false;
-    bool m_refillingTonics = false;
-
-    // Settings loaded at start-up.
-    bool m_approxQrt = true;
-    bool m_playMouseMove = false;
-    bool m_mkbPlayHilite = true;
-    bool m_mkbDoubling = false;
-    int32_t m_mkbDblOn1MS = 5;
-    int32_t m_mkbDblOffMS = 2;
-    int32_t m_noteNamesType = 0;
-    int32_t m_UdNotesPres_Rest_NoMaqam = 1;
-    int32_t m_UdNotesPres_Play_NoMaqam = 1;
-    int32_t m_UdNotesPres_Rest_Maqam = 1;
-    int32_t m_UdNotesPres_Play_Maqam = 1;
 
     // The tuning last applied from the controls, and the one remembered in the settings.
     int32_t m_appliedTuningId = -1;
     int32_t m_appliedTuneOctShift = 0;
     int32_t m_storedTuningId = -1;
-
-    // The player display's two per-channel tables; -1 is "no value", set whenever a piece changes.
-    std::array<std::array<int16_t, 16>, 2> m_playerChannelTables{};
-    void resetPlayerChannelTables();
-
-    // Playing by hand.
-    int32_t m_kbDownShift = 1;
-    int32_t m_kbPositionShift = 0;
-    bool m_kbLabelsShown = false;
-    std::array<std::array<bool, 7>, 16> m_keysDown{};
-    int32_t m_mouseNote = -1;
-    int32_t m_mouseCents = 0;
-    PicPointF m_lastMousePoint{};
 };
 
 }  // namespace tarabix

@@ -99,8 +99,7 @@ void fMain::openFile(const QString& path, bool quiet)
         m_player.clear();
         m_player.setTheMidi(m_mf.get());
     }
-    m_hasSheet = read.hasSheet;
-    cmdSheet->setEnabled(m_hasSheet);
+    cmdSheet->setEnabled(read.hasSheet);
     m_pieceLength = piece->allLastAbsMSec();
     {
         const QSignalBlocker block(sldPosition);
@@ -108,7 +107,6 @@ void fMain::openFile(const QString& path, bool quiet)
         sldPosition->setValue(0);
     }
     lblPieceLength->setText(pieceTimeText(m_pieceLength));
-    resetPlayerChannelTables();
     lblFile->setText(fileLabelText(path));
     lblFile->setToolTip(path);
     if (udMidiOctShift->value() != 0)
@@ -127,12 +125,10 @@ void fMain::closeFile()
         m_player.setTheMidi(m_mf.get());
     m_currFile.clear();
     m_pieceLength = 0;
-    m_hasSheet = false;
     cmdSheet->setEnabled(false);
     lblFile->setText(noFileLabelText());
     lblFile->setToolTip({});
     lblPieceLength->setText(pieceTimeText(0));
-    resetPlayerChannelTables();
 }
 
 void fMain::dragEnterEvent(QDragEnterEvent* event)

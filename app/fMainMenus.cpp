@@ -3,6 +3,7 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/HandPlayer.h"
 #include "app/SheetPicture.h"
 #include "app/fAbout.h"
 #include "app/fHelp.h"
@@ -15,8 +16,6 @@
 #include "settings/UserSettings.h"
 
 #include <QAction>
-#include <QButtonGroup>
-#include <QComboBox>
 #include <QFile>
 #include <QFileInfo>
 #include <QPushButton>
@@ -59,52 +58,21 @@ void fMain::connectMenus()
 
 void fMain::mnu_Opts_Notes_Click()
 {
-    NotesDisplayOptions options;
-    options.noteNamesType = m_noteNamesType;
-    options.presRestNoMaqam = m_UdNotesPres_Rest_NoMaqam;
-    options.presPlayNoMaqam = m_UdNotesPres_Play_NoMaqam;
-    options.presRestMaqam = m_UdNotesPres_Rest_Maqam;
-    options.presPlayMaqam = m_UdNotesPres_Play_Maqam;
-    auto* dialog = new fNotesOpts(options, *m_settings, this);
+    if (!m_display)
+        return;
+    auto* dialog = new fNotesOpts(m_display->presentation(), this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &fNotesOpts::optionsAccepted, this, [this](const NotesDisplayOptions& chosen) {
-        m_UdNotesPres_Rest_NoMaqam = chosen.presRestNoMaqam;
-        m_UdNotesPres_Play_NoMaqam = chosen.presPlayNoMaqam;
-        m_UdNotesPres_Rest_Maqam = chosen.presRestMaqam;
-        m_UdNotesPres_Play_Maqam = chosen.presPlayMaqam;
-        if (chosen.namesChanged) {
-            // The dialog has stored it; the window's own buttons and lists follow.
-            m_noteNamesType = chosen.noteNamesType;
-            if (QAbstractButton* option = optNNames->button(m_noteNamesType))
-                option->setChecked(true);
-            fillTuningList();
-            if (cmbMaqams->currentIndex() > 0)
-                refillTonicList(cmbMaqams->currentIndex());
-        }
-        applyNotePresentation();
-        if (chosen.presChanged || chosen.namesChanged)
-            redrawFingerboard();
-    });
+    connect(dialog, &fNotesOpts::presentationChosen, this, &fMain::showNotesAs);
     dialog->open();
 }
 
 void fMain::mnu_Opts_MKB_Click()
 {
-    MousePlayOptions options;
-    options.approxQrt = m_approxQrt;
-    options.playMouseMove = m_playMouseMove;
-    options.playHilite = m_mkbPlayHilite;
-    options.doubling = m_mkbDoubling;
-    options.showKbGuides = m_kbLabelsShown;
-    auto* dialog = new fMousePlay(options, *m_settings, this);
+    if (!m_hand)
+        return;
+    auto* dialog = new fMousePlay(m_hand->options(), *m_settings, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &fMousePlay::optionsAccepted, this, [this](const MousePlayOptions& chosen) {
-        m_approxQrt = chosen.approxQrt;
-        m_playMouseMove = chosen.playMouseMove;
-        m_mkbPlayHilite = chosen.playHilite;
-        m_mkbDoubling = chosen.doubling;
-        showHideKbLabels(chosen.showKbGuides);
-    });
+    connect(dialog, &fMousePlay::optionsAccepted, m_hand.get(), &HandPlayer::setOptions);
     dialog->open();
 }
 

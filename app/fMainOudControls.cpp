@@ -4,11 +4,13 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/ScopedFlag.h"
 #include "oud/model/NoteNames.h"
 #include "oud/view/UdPictureWidget.h"
 #include "playback/mMidiMain.h"
 #include "settings/UserSettings.h"
 
+#include <QAbstractButton>
 #include <QButtonGroup>
 #include <QComboBox>
 #include <QLabel>
@@ -21,19 +23,6 @@ QString qs(const std::string& s)
 {
     return QString::fromStdString(s);
 }
-
-// Restores the filling-controls flag however the block is left.
-class FillingControls {
-public:
-    explicit FillingControls(bool& flag) : m_flag(flag), m_was(flag) { m_flag = true; }
-    ~FillingControls() { m_flag = m_was; }
-    FillingControls(const FillingControls&) = delete;
-    FillingControls& operator=(const FillingControls&) = delete;
-
-private:
-    bool& m_flag;
-    bool m_was;
-};
 
 }  // namespace
 
@@ -49,24 +38,44 @@ void fMain::connectOudControls()
 
 void fMain::optNNames_Click(int index)
 {
-    if (m_fillingControls || index == m_noteNamesType)
+    if (m_fillingControls || !m_display)
         return;
-    m_noteNamesType = index;
-    m_settings->setInt(Setting::NoteNamesType, index);
-    fillTuningList();
-    if (cmbMaqams->currentIndex() > 0)
-        refillTonicList(cmbMaqams->currentIndex());
-    applyNotePresentation();
+    NotePresentation chosen = m_display->presentation();
+    chosen.nameSystem = index;
+    showNotesAs(chosen);
+}
+
+// Every change of how notes are shown comes here, from the names buttons and from the note display
+// dialog: it is stored, the fingerboard is drawn by it, and the lists that spell notes follow.
+void fMain::showNotesAs(const NotePresentation& chosen)
+{
+    if (!m_display || chosen == m_display->presentation())
+        return;
+    const bool namesChanged = chosen.nameSystem != m_display->presentation().nameSystem;
+    m_settings->setNotePresentation(chosen);
+    m_display->setPresentation(chosen);
+    if (namesChanged) {
+        if (QAbstractButton* option = optNNames->button(chosen.nameSystem))
+            option->setChecked(true);
+        fillTuningList();
+        if (cmbMaqams->currentIndex() > 0)
+            refillTonicList(cmbMaqams->currentIndex());
+    }
     redrawFingerboard();
+}
+
+int32_t fMain::nameSystem() const
+{
+    return m_display ? m_display->presentation().nameSystem : NotePresentation{}.nameSystem;
 }
 
 void fMain::fillTuningList()
 {
-    FillingControls filling(m_fillingControls);
+    const ScopedFlag filling(m_fillingControls);
     cmbTuning->clear();
     for (int32_t i = 0; i < m_oud.tuningCount(); ++i) {
         int32_t id = -1;
-        const std::string caption = m_oud.tuningAt(i, m_noteNamesType, id);
+        const std::string caption = m_oud.tuningAt(i, nameSystem(), id);
         cmbTuning->addItem(qs(caption), id);
     }
     const int current = cmbTuning->findData(m_oud.curTuningId() == -1 ? m_storedTuningId : m_oud.curTuningId());
@@ -117,7 +126,7 @@ void fMain::cmbOrient_Click()
 
 void fMain::fillMaqamLists()
 {
-    FillingControls filling(m_fillingControls);
+    const ScopedFlag filling(m_fillingControls);
     const std::string error = m_maqams.loadMaqams(appIdentity().path({QStringLiteral("maqams.ini")}).toStdString());
     if (!error.empty())
         message(QMessageBox::Warning, qs(error));
@@ -132,15 +141,13 @@ void fMain::fillMaqamLists()
 
 void fMain::refillTonicList(int32_t maqamIndex)
 {
-    const bool wasRefilling = m_refillingTonics;
-    m_refillingTonics = true;
+    const ScopedFlag filling(m_fillingControls);
     const int keep = cmbMaqamStarts->currentIndex();
     cmbMaqamStarts->clear();
     const auto tonics = m_maqams.maqamTonics(maqamIndex);
     for (int k = 0; k < 12; ++k)
-        cmbMaqamStarts->addItem(qs(spelledNoteName(tonics[k], m_noteNamesType)), k);
+        cmbMaqamStarts->addItem(qs(spelledNoteName(tonics[k], nameSystem())), k);
     cmbMaqamStarts->setCurrentIndex(keep);
-    m_refillingTonics = wasRefilling;
 }
 
 void fMain::cmbMaqams_Click()
@@ -152,10 +159,10 @@ void fMain::cmbMaqams_Click()
     if (index > 0) {
         refillTonicList(index);
         tonic = m_maqams.maqamHomeTonic(index).pitchClass;
-        const bool wasRefilling = m_refillingTonics;
-        m_refillingTonics = true;
-        cmbMaqamStarts->setCurrentIndex(tonic);
-        m_refillingTonics = wasRefilling;
+        {
+            const ScopedFlag filling(m_fillingControls);
+            cmbMaqamStarts->setCurrentIndex(tonic);
+        }
         cmbMaqamStarts->setEnabled(true);
     } else {
         cmbMaqamStarts->setEnabled(false);
@@ -166,7 +173,7 @@ void fMain::cmbMaqams_Click()
 
 void fMain::cmbMaqamStarts_Click()
 {
-    if (m_refillingTonics || m_fillingControls || cmbMaqamStarts->currentIndex() < 0)
+    if (m_fillingControls || cmbMaqamStarts->currentIndex() < 0)
         return;
     m_maqams.selectMaqam(cmbMaqams->currentIndex(), cmbMaqamStarts->currentData().toInt());
     redrawFingerboard();
@@ -183,19 +190,6 @@ void fMain::applyMaqamMarker(MaqamMarker marker)
     // Both changes go through the lists' own handlers, as if the learner had chosen them.
     cmbMaqams->setCurrentIndex(marker.index);
     cmbMaqamStarts->setCurrentIndex(marker.tonic);
-}
-
-void fMain::applyNotePresentation()
-{
-    if (!m_display)
-        return;
-    NotePresentation p;
-    p.restNoMaqam = m_UdNotesPres_Rest_NoMaqam;
-    p.playNoMaqam = m_UdNotesPres_Play_NoMaqam;
-    p.restMaqam = m_UdNotesPres_Rest_Maqam;
-    p.playMaqam = m_UdNotesPres_Play_Maqam;
-    p.nameSystem = m_noteNamesType;
-    m_display->setPresentation(p);
 }
 
 void fMain::redrawFingerboard()

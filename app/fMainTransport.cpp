@@ -4,6 +4,8 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/HandPlayer.h"
+#include "app/ScopedFlag.h"
 #include "app/WindowTexts.h"
 #include "base/TickSource.h"
 #include "oud/model/Tunings.h"
@@ -88,10 +90,8 @@ void fMain::connectTransport()
 
 void fMain::setButtonDown(QPushButton* button, bool down)
 {
-    const bool was = m_settingButtons;
-    m_settingButtons = true;
+    const ScopedFlag setting(m_settingButtons);
     button->setChecked(down);
-    m_settingButtons = was;
 }
 
 void fMain::cmdPlay_Toggled(bool down)
@@ -152,9 +152,10 @@ void fMain::startPlaying(int32_t fromMs)
     sldSpeedR_Change(sldSpeedR->value(), true);
     m_player.setCatchUpTolerance(m_catchUpTolerance);
     m_player.setStartOffsetMSecMidi(fromMs);
-    m_inPlay = true;
-    m_player.play();
-    m_inPlay = false;
+    {
+        const ScopedFlag inPlay(m_inPlay);
+        m_player.play();
+    }
     if (m_mf != piece)
         m_player.setTheMidi(m_mf.get());
 }
@@ -255,7 +256,8 @@ void fMain::tmrAct_Timer()
     if (ours && !m_deviceHeld) {
         reopenMidiOut();
         m_deviceHeld = true;
-    } else if (!ours && m_deviceHeld && getMidiDeviceId() != kMidiMapperId && !m_inPlay && !handHoldsNote()) {
+    } else if (!ours && m_deviceHeld && getMidiDeviceId() != kMidiMapperId && !m_inPlay
+               && !(m_hand && m_hand->holdsNote())) {
         closeMidiOut();
         m_deviceHeld = false;
     }

@@ -11,7 +11,7 @@
 
 namespace tarabix {
 
-fMousePlay::fMousePlay(const MousePlayOptions& options, UserSettings& settings, QWidget* parent)
+fMousePlay::fMousePlay(const HandPlayOptions& options, UserSettings& settings, QWidget* parent)
     : QDialog(parent), m_options(options), m_settings(settings)
 {
     buildControls();

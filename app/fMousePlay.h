@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/HandPlayOptions.h"
+
 #include <QDialog>
 
 class QCheckBox;
@@ -9,23 +11,15 @@ namespace tarabix {
 
 class UserSettings;
 
-// The choices for sounding single notes with the mouse and the computer keyboard.
-struct MousePlayOptions {
-    bool approxQrt = true;       // mouse pitches snap to the nearest quarter tone
-    bool playMouseMove = false;  // sliding along a string re-strikes the note
-    bool playHilite = true;      // played notes are marked on the fingerboard
-    bool doubling = false;       // notes on doubled strings are struck twice
-    bool showKbGuides = true;    // the key labels over the fingerboard (not kept between runs)
-};
-
 // The mouse and keyboard play options dialog. OK stores the first four choices and emits
-// optionsAccepted; the window then shows or hides the key labels by showKbGuides.
+// optionsAccepted; the window hands them to its hand player, which also shows or hides the key
+// labels by showKbGuides. The doubling gaps pass through unchanged.
 class fMousePlay : public QDialog {
     Q_OBJECT
 public:
-    fMousePlay(const MousePlayOptions& options, UserSettings& settings, QWidget* parent = nullptr);
+    fMousePlay(const HandPlayOptions& options, UserSettings& settings, QWidget* parent = nullptr);
 
-    const MousePlayOptions& options() const { return m_options; }
+    const HandPlayOptions& options() const { return m_options; }
 
     QCheckBox* chkAprxQrt = nullptr;
     QCheckBox* chkPlayMove = nullptr;
@@ -36,14 +30,14 @@ public:
     QPushButton* cmdCancel = nullptr;
 
 signals:
-    void optionsAccepted(const tarabix::MousePlayOptions& options);
+    void optionsAccepted(const tarabix::HandPlayOptions& options);
 
 private:
     void buildControls();
     void applyDependencies();
     void cmdOK_Click();
 
-    MousePlayOptions m_options;
+    HandPlayOptions m_options;
     UserSettings& m_settings;
 };
 

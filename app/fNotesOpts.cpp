@@ -2,8 +2,6 @@
 
 #include "app/DialogButtons.h"
 
-#include "settings/UserSettings.h"
-
 #include <QButtonGroup>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -13,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include <initializer_list>
+#include <utility>
 
 namespace tarabix {
 
@@ -66,15 +65,15 @@ int setIndex(const QButtonGroup* group)
 
 }  // namespace
 
-fNotesOpts::fNotesOpts(const NotesDisplayOptions& options, UserSettings& settings, QWidget* parent)
-    : QDialog(parent), m_options(options), m_settings(settings)
+fNotesOpts::fNotesOpts(const NotePresentation& presentation, QWidget* parent)
+    : QDialog(parent), m_presentation(presentation)
 {
     buildControls();
-    checkIndex(optMaqamStatic, presToIndex(m_options.presRestMaqam));
-    checkIndex(optPlayMaq, presToIndex(m_options.presPlayMaqam));
-    checkIndex(optNoMaqamStatic, presToIndex(m_options.presRestNoMaqam));
-    checkIndex(optPlayNoMaq, presToIndex(m_options.presPlayNoMaqam));
-    checkIndex(optNoteNamesType, m_options.noteNamesType);
+    checkIndex(optMaqamStatic, presToIndex(m_presentation.restMaqam));
+    checkIndex(optPlayMaq, presToIndex(m_presentation.playMaqam));
+    checkIndex(optNoMaqamStatic, presToIndex(m_presentation.restNoMaqam));
+    checkIndex(optPlayNoMaq, presToIndex(m_presentation.playNoMaqam));
+    checkIndex(optNoteNamesType, m_presentation.nameSystem);
 }
 
 void fNotesOpts::buildControls()
@@ -115,33 +114,20 @@ void fNotesOpts::buildControls()
 
 void fNotesOpts::cmdOK_Click()
 {
-    struct PresGroup {
-        const QButtonGroup* buttons;
-        int32_t& value;
-        Setting key;
+    const std::pair<const QButtonGroup*, int32_t NotePresentation::*> presGroups[] = {
+        {optMaqamStatic, &NotePresentation::restMaqam},
+        {optPlayMaq, &NotePresentation::playMaqam},
+        {optNoMaqamStatic, &NotePresentation::restNoMaqam},
+        {optPlayNoMaq, &NotePresentation::playNoMaqam},
     };
-    // A group with no button set (a stored value out of range) leaves its value alone.
-    const PresGroup groups[] = {
-        {optMaqamStatic, m_options.presRestMaqam, Setting::NotesPresRestMaqam},
-        {optPlayMaq, m_options.presPlayMaqam, Setting::NotesPresPlayMaqam},
-        {optNoMaqamStatic, m_options.presRestNoMaqam, Setting::NotesPresRestNoMaqam},
-        {optPlayNoMaq, m_options.presPlayNoMaqam, Setting::NotesPresPlayNoMaqam},
-    };
-    for (const PresGroup& group : groups) {
-        const int32_t value = indexToPres(setIndex(group.buttons));
-        if (value != -1 && value != group.value) {
-            group.value = value;
-            m_settings.setInt(group.key, value);
-            m_options.presChanged = true;
-        }
+    // A group with no button set leaves its value alone.
+    for (const auto& [buttons, field] : presGroups) {
+        if (const int32_t value = indexToPres(setIndex(buttons)); value != -1)
+            m_presentation.*field = value;
     }
-    const int32_t names = setIndex(optNoteNamesType);
-    if (names != -1 && names != m_options.noteNamesType) {
-        m_options.noteNamesType = names;
-        m_settings.setInt(Setting::NoteNamesType, names);
-        m_options.namesChanged = true;
-    }
-    emit optionsAccepted(m_options);
+    if (const int32_t names = setIndex(optNoteNamesType); names != -1)
+        m_presentation.nameSystem = names;
+    emit presentationChosen(m_presentation);
     accept();
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "settings/NotePresentation.h"
+
 #include <QDialog>
 
-#include <array>
 #include <cstdint>
 
 class QButtonGroup;
@@ -10,37 +11,19 @@ class QPushButton;
 
 namespace tarabix {
 
-class UserSettings;
-
-// How notes are shown on the oud picture: the naming system and, with and without a maqam, what
-// the resting fingerboard shows and how a played note is marked.
-// Presentation values: 0 nothing, 1 note names, 2 circles.
-struct NotesDisplayOptions {
-    int32_t noteNamesType = 0;
-    int32_t presRestNoMaqam = 1;
-    int32_t presPlayNoMaqam = 1;
-    int32_t presRestMaqam = 1;
-    int32_t presPlayMaqam = 1;
-    // Set (never cleared) by OK when a presentation value changed: the window redraws the
-    // fingerboard and clears it.
-    bool presChanged = false;
-    // Set by OK when the naming system changed: the window refills its tuning and tonic lists.
-    bool namesChanged = false;
-};
-
 // The buttons list names first, circles second and "nothing" last, so button index and value are
 // a rotation of each other. Out-of-range input gives -1 (no button).
 int presToIndex(int32_t value);
 int32_t indexToPres(int index);
 
-// The note display options dialog. Open it with open() so a piece keeps playing behind it; on OK
-// it stores what changed and emits optionsAccepted with the new values.
+// The note display options dialog: the naming system and, with and without a maqam, what the
+// resting fingerboard shows and how a played note is marked. Open it with open() so a piece keeps
+// playing behind it; OK emits presentationChosen with what the buttons say, and the window stores
+// and shows it. A value no button stands for (a damaged store) comes back as it was.
 class fNotesOpts : public QDialog {
     Q_OBJECT
 public:
-    fNotesOpts(const NotesDisplayOptions& options, UserSettings& settings, QWidget* parent = nullptr);
-
-    const NotesDisplayOptions& options() const { return m_options; }
+    explicit fNotesOpts(const NotePresentation& presentation, QWidget* parent = nullptr);
 
     QButtonGroup* optNoteNamesType = nullptr;
     QButtonGroup* optNoMaqamStatic = nullptr;
@@ -51,14 +34,13 @@ public:
     QPushButton* cmdCancel = nullptr;
 
 signals:
-    void optionsAccepted(const tarabix::NotesDisplayOptions& options);
+    void presentationChosen(const tarabix::NotePresentation& presentation);
 
 private:
     void buildControls();
     void cmdOK_Click();
 
-    NotesDisplayOptions m_options;
-    UserSettings& m_settings;
+    NotePresentation m_presentation;
 };
 
 }  // namespace tarabix

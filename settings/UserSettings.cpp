@@ -129,10 +129,42 @@ StartupOptions UserSettings::loadStartup() const
     options.mkbDoubling = boolValue(Setting::MkbDoubling);
     options.mkbDblOn1MS = intValue(Setting::MkbDblOn1MS);
     options.mkbDblOffMS = intValue(Setting::MkbDblOffMS);
-    options.noteNamesType = intValue(Setting::NoteNamesType);
-    options.notesPres = {intValue(Setting::NotesPresRestNoMaqam), intValue(Setting::NotesPresPlayNoMaqam),
-                         intValue(Setting::NotesPresRestMaqam), intValue(Setting::NotesPresPlayMaqam)};
     return options;
+}
+
+namespace {
+
+// Each field of the note presentation with the key that keeps it.
+struct PresentationKey {
+    Setting setting;
+    int32_t NotePresentation::*field;
+};
+
+constexpr PresentationKey kPresentationKeys[] = {
+    {Setting::NoteNamesType, &NotePresentation::nameSystem},
+    {Setting::NotesPresRestNoMaqam, &NotePresentation::restNoMaqam},
+    {Setting::NotesPresPlayNoMaqam, &NotePresentation::playNoMaqam},
+    {Setting::NotesPresRestMaqam, &NotePresentation::restMaqam},
+    {Setting::NotesPresPlayMaqam, &NotePresentation::playMaqam},
+};
+
+}  // namespace
+
+NotePresentation UserSettings::notePresentation() const
+{
+    NotePresentation presentation;
+    for (const PresentationKey& key : kPresentationKeys)
+        presentation.*key.field = intValue(key.setting);
+    return presentation;
+}
+
+void UserSettings::setNotePresentation(const NotePresentation& presentation)
+{
+    const NotePresentation stored = notePresentation();
+    for (const PresentationKey& key : kPresentationKeys) {
+        if (presentation.*key.field != stored.*key.field)
+            setInt(key.setting, presentation.*key.field);
+    }
 }
 
 }  // namespace tarabix

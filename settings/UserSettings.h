@@ -1,6 +1,7 @@
 #pragma once
 
-#include <array>
+#include "settings/NotePresentation.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -37,9 +38,6 @@ struct StartupOptions {
     bool mkbDoubling = false;
     int32_t mkbDblOn1MS = 0;
     int32_t mkbDblOffMS = 0;
-    int32_t noteNamesType = 0;
-    // Rest without maqam, playing without maqam, rest with maqam, playing with maqam.
-    std::array<int32_t, 4> notesPres{};
 };
 
 // The one owner of the settings keys and their defaults. Values are stored as text ("True"/"False",
@@ -69,6 +67,12 @@ public:
     // cannot be converted keeps its default and the load goes on with the next key: one damaged
     // entry should not cost the learner every other choice.
     StartupOptions loadStartup() const;
+
+    // How notes are shown, from its five keys; an unreadable value keeps its default alone.
+    NotePresentation notePresentation() const;
+    // Writes the keys whose value differs from what is stored now, so a key the learner never
+    // changed stays out of the store as before.
+    void setNotePresentation(const NotePresentation& presentation);
 
     // Read later in start-up, by the resources check.
     int32_t udOrient() const { return intValue(Setting::UdOrient); }

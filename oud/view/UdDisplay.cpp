@@ -4,8 +4,9 @@
 
 #include <QPainter>
 
-
 namespace tarabix {
+
+static_assert(NotePresentation{}.nameSystem == kNamesWestern, "a fresh profile names notes C D E");
 
 namespace {
 
@@ -217,7 +218,7 @@ void UdDisplay::redrawResting()
     m_picUdClone = m_picUdCloneUnmarked.copy();
     m_picUd = m_picUdCloneUnmarked.copy();
     const RestingScale scale = restingScale();
-    const int32_t mode = scale.maqamSelected ? m_presentation.restMaqam : m_presentation.restNoMaqam;
+    const int32_t mode = m_presentation.atRest(scale.maqamSelected);
     if (ready() && mode != kPresNothing) {
         // Each degree is spelled once; its octaves share the spelling.
         std::array<SpelledNote, 12> spellings{};
@@ -235,7 +236,7 @@ void UdDisplay::redrawResting()
 
 int32_t UdDisplay::playMode() const
 {
-    return restingScale().maqamSelected ? m_presentation.playMaqam : m_presentation.playNoMaqam;
+    return m_presentation.whilePlaying(restingScale().maqamSelected);
 }
 
 int32_t UdDisplay::noteOnDisplay(int32_t note, int32_t cents, bool shown)

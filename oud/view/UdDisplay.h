@@ -5,6 +5,7 @@
 #include "oud/model/mMaqams.h"
 #include "oud/model/mUdCtrl.h"
 #include "oud/view/UdResources.h"
+#include "settings/NotePresentation.h"
 
 #include <QImage>
 #include <QRect>
@@ -15,19 +16,6 @@
 #include <optional>
 
 namespace tarabix {
-
-// What the fingerboard shows in each situation: 0 nothing, 1 name labels, 2 circle marks.
-inline constexpr int32_t kPresNothing = 0;
-inline constexpr int32_t kPresNames = 1;
-inline constexpr int32_t kPresCircles = 2;
-
-struct NotePresentation {
-    int32_t restNoMaqam = kPresCircles;
-    int32_t restMaqam = kPresCircles;
-    int32_t playNoMaqam = kPresCircles;
-    int32_t playMaqam = kPresCircles;
-    int32_t nameSystem = kNamesWestern;
-};
 
 // How a pitch is spelled in the current maqam context.
 using PitchSpeller = std::function<SpelledNote(int32_t note, int32_t cents)>;

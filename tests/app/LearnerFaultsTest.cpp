@@ -4,6 +4,7 @@
 // synthesizer that keeps playing in the background.
 #include "MainWindowFixture.h"
 
+#include "app/HandPlayer.h"
 #include "app/fHelp.h"
 #include "oud/view/UdPictureWidget.h"
 
@@ -48,17 +49,17 @@ protected:
 TEST_F(LearnerFaultsTest, RowKeysMoveTheRowsOneStringWhateverHasTheFocus)
 {
     fMainProbe& w = start();
-    ASSERT_EQ(w.keyboardDownShift(), 1);
+    ASSERT_EQ(w.handPlayer()->rowsDownShift(), 1);
     QTest::keyClick(w.fingerboard(), Qt::Key_Up);
-    EXPECT_EQ(w.keyboardDownShift(), 0);
+    EXPECT_EQ(w.handPlayer()->rowsDownShift(), 0);
     QTest::keyClick(w.fingerboard(), Qt::Key_Down);
-    EXPECT_EQ(w.keyboardDownShift(), 1);
+    EXPECT_EQ(w.handPlayer()->rowsDownShift(), 1);
 
     // The speed slider focused: Down moves the rows and leaves the speed alone.
     w.sldSpeedR->setFocus();
     const int speed = w.sldSpeedR->value();
     QTest::keyClick(w.sldSpeedR, Qt::Key_Down);
-    EXPECT_EQ(w.keyboardDownShift(), 2);
+    EXPECT_EQ(w.handPlayer()->rowsDownShift(), 2);
     EXPECT_EQ(w.sldSpeedR->value(), speed);
 
     // Esc that closes a menu, and the one that then leaves the menu bar, are the menus'.
@@ -68,7 +69,7 @@ TEST_F(LearnerFaultsTest, RowKeysMoveTheRowsOneStringWhateverHasTheFocus)
     QTest::keyClick(menu, Qt::Key_Escape);
     EXPECT_FALSE(menu->isVisible());
     QTest::keyClick(w.menuBar(), Qt::Key_Escape);
-    EXPECT_EQ(w.keyboardDownShift(), 2);
+    EXPECT_EQ(w.handPlayer()->rowsDownShift(), 2);
 }
 
 TEST_F(LearnerFaultsTest, DrumsAreHeardNotShownAndTheFingerboardStaysPutForTheRangeArrow)

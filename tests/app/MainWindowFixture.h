@@ -44,6 +44,7 @@ public:
     using fMain::lblSpeed;
     using fMain::mnu_Help_Contents;
     using fMain::mnu_Opts_Delay_Opt;
+    using fMain::mnu_Opts_Notes;
     using fMain::sldSpeedR;
     using fMain::sldVolume;
     using fMain::cmdSheet;

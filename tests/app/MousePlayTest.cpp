@@ -21,7 +21,7 @@ const Box kHilite = &fMousePlay::chkHiliteQrt;
 const Box kDbl = &fMousePlay::chkDblSound;
 
 // Approximation, highlight, doubling and guides on, sliding off.
-const MousePlayOptions kUsual{true, false, true, true, true};
+const HandPlayOptions kUsual{true, false, true, true, true};
 
 std::string stateOf(const QCheckBox* box)
 {
@@ -32,7 +32,7 @@ TEST(MousePlayTest, ClicksKeepHighlightAndDoublingConsistent)
 {
     struct Case {
         const char* name;
-        MousePlayOptions start;
+        HandPlayOptions start;
         std::vector<Box> clicks;
         const char* hilite;
         const char* dbl;
@@ -82,7 +82,7 @@ TEST(MousePlayTest, OkStoresTheFourChoicesAndReturnsTheGuidesFlagCancelNothing)
         EXPECT_EQ(store.stored(), ok ? written : test::Stored{});
         EXPECT_EQ(dlg.result(), ok ? QDialog::Accepted : QDialog::Rejected);
         ASSERT_EQ(accepted.count(), ok ? 1 : 0);
-        const MousePlayOptions after = ok ? accepted.at(0).at(0).value<MousePlayOptions>() : dlg.options();
+        const HandPlayOptions after = ok ? accepted.at(0).at(0).value<HandPlayOptions>() : dlg.options();
         EXPECT_EQ(after.approxQrt, !ok);
         EXPECT_FALSE(after.playMouseMove);
         EXPECT_EQ(after.playHilite, !ok);

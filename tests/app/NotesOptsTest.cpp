@@ -15,20 +15,19 @@
 namespace tarabix {
 namespace {
 
-using test::Stored;
 using Group = QButtonGroup* fNotesOpts::*;
 using Values = std::array<int32_t, 5>;  // names, then rest and played without, then with a maqam
 
 const Group kNames = &fNotesOpts::optNoteNamesType;
 
-Values values(const NotesDisplayOptions& o)
+Values values(const NotePresentation& p)
 {
-    return {o.noteNamesType, o.presRestNoMaqam, o.presPlayNoMaqam, o.presRestMaqam, o.presPlayMaqam};
+    return {p.nameSystem, p.restNoMaqam, p.playNoMaqam, p.restMaqam, p.playMaqam};
 }
 
-NotesDisplayOptions start()
+NotePresentation start()
 {
-    return {.noteNamesType = 0, .presRestNoMaqam = 1, .presPlayNoMaqam = 2, .presRestMaqam = 0, .presPlayMaqam = 1};
+    return {.restNoMaqam = 1, .restMaqam = 0, .playNoMaqam = 2, .playMaqam = 1, .nameSystem = 0};
 }
 
 TEST(NotesPresRotation, ButtonIndexAndValueAreARotation)
@@ -48,8 +47,7 @@ TEST(NotesPresRotation, ButtonIndexAndValueAreARotation)
 
 TEST(NotesOptsTest, OpensWithTheButtonsOfTheCurrentValues)
 {
-    test::TempSettings store;
-    fNotesOpts dlg(start(), store.settings());
+    fNotesOpts dlg(start());
     const std::pair<Group, const char*> cases[] = {{kNames, "English names: (C, D, E, F, G, A, B)"},
                                                    {&fNotesOpts::optNoMaqamStatic, "Note names every 1/2 tone"},
                                                    {&fNotesOpts::optPlayNoMaq, "Colored Circle"},
@@ -62,69 +60,53 @@ TEST(NotesOptsTest, OpensWithTheButtonsOfTheCurrentValues)
     }
 }
 
-TEST(NotesOptsTest, OkStoresAndReturnsOnlyTheChangedValuesCancelNothing)
+TEST(NotesOptsTest, OkReturnsWhatTheButtonsSayCancelNothing)
 {
     struct Case {
         const char* name;
         std::vector<std::pair<Group, int>> clicks;
         bool ok;
-        Stored stored;
         Values after;
-        bool presChanged;
-        bool namesChanged;
     };
     const Case cases[] = {
-        {"only the button already set", {{&fNotesOpts::optPlayNoMaq, 1}}, true, {}, {0, 1, 2, 0, 1}, false, false},
-        {"played note with maqam to circle", {{&fNotesOpts::optPlayMaq, 1}}, true, {{"NotesPres_Play_Maqam", "2"}},
-         {0, 1, 2, 0, 2}, true, false},
-        {"static with maqam to names", {{&fNotesOpts::optMaqamStatic, 0}}, true, {{"NotesPres_Rest_Maqam", "1"}},
-         {0, 1, 2, 1, 1}, true, false},
-        {"static without maqam to no marks", {{&fNotesOpts::optNoMaqamStatic, 2}}, true,
-         {{"NotesPres_Rest_NoMaqam", "0"}}, {0, 0, 2, 0, 1}, true, false},
-        {"played note without maqam to no effect", {{&fNotesOpts::optPlayNoMaq, 2}}, true,
-         {{"NotesPres_Play_NoMaqam", "0"}}, {0, 1, 0, 0, 1}, true, false},
-        {"solfege names", {{kNames, 1}}, true, {{"NoteNamesType", "1"}}, {1, 1, 2, 0, 1}, false, true},
-        {"names and a view", {{kNames, 1}, {&fNotesOpts::optMaqamStatic, 1}}, true,
-         {{"NoteNamesType", "1"}, {"NotesPres_Rest_Maqam", "2"}}, {1, 1, 2, 2, 1}, true, true},
-        {"cancel", {{kNames, 1}, {&fNotesOpts::optPlayMaq, 2}}, false, {}, {0, 1, 2, 0, 1}, false, false},
+        {"only the button already set", {{&fNotesOpts::optPlayNoMaq, 1}}, true, {0, 1, 2, 0, 1}},
+        {"played note with maqam to circle", {{&fNotesOpts::optPlayMaq, 1}}, true, {0, 1, 2, 0, 2}},
+        {"static with maqam to names", {{&fNotesOpts::optMaqamStatic, 0}}, true, {0, 1, 2, 1, 1}},
+        {"static without maqam to no marks", {{&fNotesOpts::optNoMaqamStatic, 2}}, true, {0, 0, 2, 0, 1}},
+        {"played note without maqam to no effect", {{&fNotesOpts::optPlayNoMaq, 2}}, true, {0, 1, 0, 0, 1}},
+        {"solfege names", {{kNames, 1}}, true, {1, 1, 2, 0, 1}},
+        {"names and a view", {{kNames, 1}, {&fNotesOpts::optMaqamStatic, 1}}, true, {1, 1, 2, 2, 1}},
+        {"cancel", {{kNames, 1}, {&fNotesOpts::optPlayMaq, 2}}, false, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        test::TempSettings store;
-        fNotesOpts dlg(start(), store.settings());
+        fNotesOpts dlg(start());
         dlg.show();
-        QSignalSpy accepted(&dlg, &fNotesOpts::optionsAccepted);
+        QSignalSpy chosen(&dlg, &fNotesOpts::presentationChosen);
         for (const auto& [group, index] : c.clicks)
             test::click((dlg.*group)->button(index));
         test::click(c.ok ? dlg.cmdOK : dlg.cmdCancel);
         EXPECT_EQ(dlg.result(), c.ok ? QDialog::Accepted : QDialog::Rejected);
-        EXPECT_EQ(store.stored(), c.stored);
-        EXPECT_EQ(values(dlg.options()), c.after);
-        EXPECT_EQ(dlg.options().presChanged, c.presChanged);
-        EXPECT_EQ(dlg.options().namesChanged, c.namesChanged);
-        EXPECT_EQ(accepted.count(), c.ok ? 1 : 0);
-        for (const QList<QVariant>& signal : accepted)
-            EXPECT_EQ(values(signal.at(0).value<NotesDisplayOptions>()), c.after);
+        ASSERT_EQ(chosen.count(), c.ok ? 1 : 0);
+        for (const QList<QVariant>& signal : chosen)
+            EXPECT_EQ(values(signal.at(0).value<NotePresentation>()), c.after);
     }
 }
 
-// The window clears the change flag only after redrawing, and a stored value no button stands for
-// stays as it is.
-TEST(NotesOptsTest, OkKeepsAnEarlierChangeFlagAndValuesOutOfRange)
+// A stored value no button stands for (a damaged store) comes back as it was.
+TEST(NotesOptsTest, OkKeepsValuesOutOfRange)
 {
-    NotesDisplayOptions before = start();
-    before.presPlayMaqam = 7;
-    before.noteNamesType = 4;
-    before.presChanged = true;
-    test::TempSettings store;
-    fNotesOpts dlg(before, store.settings());
+    NotePresentation before = start();
+    before.playMaqam = 7;
+    before.nameSystem = 4;
+    fNotesOpts dlg(before);
     dlg.show();
     EXPECT_EQ(dlg.optPlayMaq->checkedButton(), nullptr);
     EXPECT_EQ(dlg.optNoteNamesType->checkedButton(), nullptr);
+    QSignalSpy chosen(&dlg, &fNotesOpts::presentationChosen);
     test::click(dlg.cmdOK);
-    EXPECT_EQ(values(dlg.options()), values(before));
-    EXPECT_TRUE(dlg.options().presChanged);
-    EXPECT_EQ(store.stored(), Stored{});
+    ASSERT_EQ(chosen.count(), 1);
+    EXPECT_EQ(chosen.at(0).at(0).value<NotePresentation>(), before);
 }
 
 }  // namespace

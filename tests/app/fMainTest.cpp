@@ -1,10 +1,13 @@
 // The main window as a learner meets it: start-up with and without its pictures and sample,
 // opening good and broken pieces, playing by keyboard and mouse, the instrument's choices and a
 // short piece played through to the end. Sound goes to a recorder.
+#include "DialogTesting.h"
 #include "MainWindowFixture.h"
 #include "playback/SoundFontLocator.h"
 
 #include "midi/MzfContainer.h"
+#include "app/HandPlayer.h"
+#include "app/fNotesOpts.h"
 #include "oud/view/UdPictureWidget.h"
 
 #include <QElapsedTimer>
@@ -57,7 +60,7 @@ TEST_F(MainWindowTest, StartsQuietlyWithoutItsSampleAndWithTheRememberedChoices)
     EXPECT_EQ(w.oud().curTuningId(), 1);
     EXPECT_EQ(w.cmbMaqams->itemText(0), QStringLiteral("--None--"));
     EXPECT_FALSE(w.cmbMaqamStarts->isEnabled());
-    EXPECT_EQ(w.keyboardDownShift(), 1);
+    EXPECT_EQ(w.handPlayer()->rowsDownShift(), 1);
 }
 
 // An output that plays but has something to tell, as the built-in synthesizer does when the
@@ -193,54 +196,9 @@ TEST_F(MainWindowTest, AnMzfWithItsSheetEnablesTheSheetButton)
     EXPECT_EQ(w.lblFile->text(), QStringLiteral("[ with-sheet.mzf ]"));
 }
 
-TEST_F(MainWindowTest, AHeldKeySoundsOnceAndTheArrowsStopAtTheEdges)
-{
-    fMainProbe& w = start();
-    QWidget* board = w.fingerboard();
-    QTest::keyPress(board, Qt::Key_Q);
-    QTest::keyPress(board, Qt::Key_Q, Qt::NoModifier);  // the system repeating a held key
-    QTest::keyRelease(board, Qt::Key_Q);
-    std::vector<uint32_t> notes = noteMessages(*m_recording);
-    ASSERT_EQ(notes.size(), 2u);
-    EXPECT_EQ(notes[0] & 0xFF, 0x90u);
-    EXPECT_EQ(notes[1] & 0xFF, 0x80u);
-    EXPECT_EQ((notes[0] >> 8) & 0x7F, (notes[1] >> 8) & 0x7F);
-
-    QTest::keyClick(board, Qt::Key_Up);
-    EXPECT_EQ(w.keyboardDownShift(), 0);
-    QTest::keyClick(board, Qt::Key_Up);
-    EXPECT_EQ(w.keyboardDownShift(), 0);
-    for (int i = 0; i < 3; ++i)
-        QTest::keyClick(board, Qt::Key_Down);
-    EXPECT_EQ(w.keyboardDownShift(), 2);
-}
-
-TEST_F(MainWindowTest, DoublingStrikesTwiceExceptOnTheSingleLowestString)
-{
-    {
-        QSettings store(m_store.filePath(QStringLiteral("Tarabix.conf")), QSettings::IniFormat);
-        store.setValue(QStringLiteral("options/MKB-Doubling"), QStringLiteral("True"));
-    }
-    fMainProbe& w = start();
-    QWidget* board = w.fingerboard();
-    QTest::keyPress(board, Qt::Key_Q);  // row 1 at down shift 1: a doubled course
-    std::vector<uint32_t> notes = noteMessages(*m_recording);
-    ASSERT_EQ(notes.size(), 3u);
-    EXPECT_EQ(notes[0] & 0xF0, 0x90u);
-    EXPECT_EQ(notes[1] & 0xF0, 0x80u);
-    EXPECT_EQ(notes[2], notes[0]);
-    QTest::keyRelease(board, Qt::Key_Q);
-
-    QTest::keyClick(board, Qt::Key_Up);  // row 0 now lies on string 0
-    m_recording->clear();
-    QTest::keyPress(board, Qt::Key_1);
-    notes = noteMessages(*m_recording);
-    ASSERT_EQ(notes.size(), 1u);
-    EXPECT_EQ((notes[0] >> 8) & 0x7F, static_cast<uint32_t>(w.oud().curStringPitch()[0]));
-    QTest::keyRelease(board, Qt::Key_1);
-}
-
-TEST_F(MainWindowTest, AClickOnTheNutPlaysTheOpenStringAndAClickBesideTheStringsNothing)
+// What a press or a key sounds is the hand player's (HandPlayerTest); here the window's mouse and
+// keys reach it, at the window's volume.
+TEST_F(MainWindowTest, AClickOnTheNutPlaysTheOpenStringAClickBesideTheStringsNothingAGridKeyItsNote)
 {
     fMainProbe& w = start();
     UdPictureWidget* board = w.fingerboard();
@@ -256,6 +214,37 @@ TEST_F(MainWindowTest, AClickOnTheNutPlaysTheOpenStringAndAClickBesideTheStrings
     m_recording->clear();
     QTest::mouseClick(board, Qt::LeftButton, {}, QPoint(2, 2));
     EXPECT_TRUE(noteMessages(*m_recording).empty());
+
+    w.sldVolume->setValue(90);
+    QTest::keyPress(board, Qt::Key_Q);  // row 1 at down shift 1: string 2 in the window's view
+    QTest::keyRelease(board, Qt::Key_Q);
+    notes = noteMessages(*m_recording);
+    ASSERT_EQ(notes.size(), 2u);
+    EXPECT_EQ(notes[0], 0x90u | (static_cast<uint32_t>(w.oud().curStringPitch()[2]) << 8) | (90u << 16));
+    EXPECT_EQ(notes[1] & 0xF0, 0x80u);
+}
+
+// The names buttons and the note display dialog change one presentation: stored, drawn by, and
+// followed by the lists that spell notes.
+TEST_F(MainWindowTest, TheNoteDisplayDialogsChoiceIsStoredAndShown)
+{
+    fMainProbe& w = start();
+    w.mnu_Opts_Notes->trigger();
+    auto* dialog = w.findChild<fNotesOpts*>();
+    ASSERT_NE(dialog, nullptr);
+    click(dialog->optPlayNoMaq->button(1));  // circles
+    click(dialog->optNoteNamesType->button(1));  // solfège
+    click(dialog->cmdOK);
+    EXPECT_EQ(storedOption("NotesPres_Play_NoMaqam"), QStringLiteral("2"));
+    EXPECT_EQ(storedOption("NoteNamesType"), QStringLiteral("1"));
+    EXPECT_TRUE(storedOption("NotesPres_Rest_Maqam").isEmpty());  // unchanged, so never written
+    EXPECT_EQ(w.display()->presentation(), (NotePresentation{.playNoMaqam = kPresCircles, .nameSystem = 1}));
+    EXPECT_EQ(w.optNNames->checkedId(), 1);
+    EXPECT_TRUE(w.cmbTuning->currentText().startsWith(QStringLiteral("Fa")));
+
+    w.optNNames->button(0)->click();
+    EXPECT_EQ(storedOption("NoteNamesType"), QStringLiteral("0"));
+    EXPECT_EQ(w.display()->presentation(), (NotePresentation{.playNoMaqam = kPresCircles}));
 }
 
 TEST_F(MainWindowTest, PlayWithoutAPieceSaysSo)

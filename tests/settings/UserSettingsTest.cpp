@@ -7,9 +7,9 @@
 #include <QSettings>
 #include <QString>
 
-#include <array>
 #include <memory>
 #include <tuple>
+#include <vector>
 
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -23,12 +23,14 @@ namespace {
 // Settings over an INI file the test writes first, standing in for the per-user store.
 class UserSettingsTest : public ::testing::Test {
 protected:
-    UserSettings open(const std::string& text)
+    // QSettings caches a file by its name, size and time: a case that rewrites a store within the
+    // same second takes a name of its own.
+    UserSettings open(const std::string& text, const std::string& name = "Tarabix.conf")
     {
-        const std::string path = m_dir.write("Tarabix.conf", text);
+        const std::string path = m_dir.write(name, text);
         return UserSettings(std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat));
     }
-    std::string stored() const { return m_dir.read("Tarabix.conf"); }
+    std::string stored(const std::string& name = "Tarabix.conf") const { return m_dir.read(name); }
 
     test::TempFolder m_dir{::testing::UnitTest::GetInstance()->current_test_info()->name()};
 };
@@ -38,8 +40,11 @@ TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
     const UserSettings settings = open("");
     const StartupOptions o = settings.loadStartup();
     EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbPlayHilite, o.mkbDoubling), std::make_tuple(true, false, true, false));
-    EXPECT_EQ(std::make_tuple(o.mkbDblOn1MS, o.mkbDblOffMS, o.noteNamesType), std::make_tuple(5, 2, 0));
-    EXPECT_EQ(o.notesPres, (std::array<int32_t, 4>{1, 1, 1, 1}));
+    EXPECT_EQ(std::make_tuple(o.mkbDblOn1MS, o.mkbDblOffMS), std::make_tuple(5, 2));
+    // A fresh profile shows what a bare NotePresentation does: names everywhere, C D E.
+    EXPECT_EQ(settings.notePresentation(), NotePresentation{});
+    EXPECT_EQ(NotePresentation{},
+              (NotePresentation{.restNoMaqam = 1, .restMaqam = 1, .playNoMaqam = 1, .playMaqam = 1, .nameSystem = 0}));
     EXPECT_EQ(settings.udOrient(), 1);
     EXPECT_EQ(settings.tuningICateg(), 0);
     EXPECT_EQ(settings.synthLatencyMs(), 20);
@@ -59,8 +64,9 @@ TEST_F(UserSettingsTest, UnreadableValueKeepsItsDefaultAndTheLoadGoesOn)
     const UserSettings settings = open("[options]\napproxQrt=maybe\nPlayMouseMove=True\nMKB-dblOn1MS=fast\nMKB-dblOffMS=7\nNoteNamesType=1\n"
                                        "NotesPres_Rest_NoMaqam=2\nNotesPres_Play_NoMaqam=x\nNotesPres_Play_Maqam=4\nUdOrient=three\nTuningICateg=12\n");
     const StartupOptions o = settings.loadStartup();
-    EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbDblOn1MS, o.mkbDblOffMS, o.noteNamesType), std::make_tuple(true, true, 5, 7, 1));
-    EXPECT_EQ(o.notesPres, (std::array<int32_t, 4>{2, 1, 1, 4}));
+    EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbDblOn1MS, o.mkbDblOffMS), std::make_tuple(true, true, 5, 7));
+    EXPECT_EQ(settings.notePresentation(),
+              (NotePresentation{.restNoMaqam = 2, .restMaqam = 1, .playNoMaqam = 1, .playMaqam = 4, .nameSystem = 1}));
     EXPECT_EQ(settings.udOrient(), 1);
     EXPECT_EQ(settings.tuningICateg(), 12);
 }
@@ -86,6 +92,40 @@ TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
     EXPECT_EQ(reopened.udOrient(), 3);
     EXPECT_EQ(reopened.tuningICateg(), -2);
     EXPECT_EQ(reopened.textValue(Setting::SoundFontFile), soundFont);
+}
+
+// Each field under its own key, and only a changed field written: a key the learner never touched
+// stays out of the store, as a damaged one stays as it is when its reading is chosen again.
+TEST_F(UserSettingsTest, NotePresentationWritesTheKeysOfItsChangedFieldsOnly)
+{
+    struct Case {
+        const char* name;
+        std::string before;
+        NotePresentation chosen;
+        std::vector<std::string> lines;  // the whole [options] section after the write
+    };
+    const Case cases[] = {
+        {"unchanged", "", {}, {}},
+        {"names", "", {.nameSystem = 1}, {"NoteNamesType=1"}},
+        {"rest without maqam", "", {.restNoMaqam = 0}, {"NotesPres_Rest_NoMaqam=0"}},
+        {"rest with maqam", "", {.restMaqam = 2}, {"NotesPres_Rest_Maqam=2"}},
+        {"played without maqam", "", {.playNoMaqam = 2}, {"NotesPres_Play_NoMaqam=2"}},
+        {"played with maqam", "", {.playMaqam = 0}, {"NotesPres_Play_Maqam=0"}},
+        {"a damaged value read as its default and chosen again", "[options]\nNotesPres_Play_Maqam=x\n", {},
+         {"NotesPres_Play_Maqam=x"}},
+        {"back to the default", "[options]\nNoteNamesType=1\n", {}, {"NoteNamesType=0"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string name = std::string(c.name) + ".conf";
+        UserSettings settings = open(c.before, name);
+        settings.setNotePresentation(c.chosen);
+        std::string expected = c.lines.empty() && c.before.empty() ? "" : "[options]\n";
+        for (const std::string& line : c.lines)
+            expected += line + "\n";
+        EXPECT_EQ(stored(name), expected);
+        EXPECT_EQ(open(stored(name), "again-" + name).notePresentation(), c.chosen);
+    }
 }
 
 // Makes a file or folder unwritable for this process while it lives: by its mode for an ordinary

@@ -165,6 +165,7 @@ TEST(UdDisplay, RestingRastOnCMarksItsSevenDegreesOnly)
 {
     Rig rig;
     const RestingScale rast{true, {0, 2, 4, 5, 7, 9, 11}, {0, 0, -50, 0, 0, 0, -50}};
+    rig.display.setPresentation({.restMaqam = kPresCircles});
     rig.display.setRestingScale(rast);
     rig.display.redrawResting();
 
