@@ -137,6 +137,7 @@ struct FluidSynthPort::Impl {
                 driverName = name;
                 chosen = s;
                 timeline->setLeadMs(s.burstMs + options.scheduleMarginMs);
+                timeline->setBurstMs(s.burstMs);
                 lastTicks = timeline->sampleClockMs();
                 lastTicksChange = std::chrono::steady_clock::now();
                 return true;

@@ -20,8 +20,8 @@ constexpr int32_t kRetieAfterGapMs = 2000;
 constexpr int64_t kSettleUs = 200'000;
 // One stretch of the least distance; short beside the crystals' drift (0.1 ms in 2 s at 50 ppm).
 constexpr int64_t kStretchUs = 2'000'000;
-// Looks at times that do not follow the bursts find the least within a fraction of a burst
-// after this many.
+// Looks at times that do not follow the bursts find the most within a fraction of a burst after
+// this many.
 constexpr int kEnoughSeen = 16;
 // A look whose two clock readings lie further apart than this was interrupted between them.
 constexpr int64_t kSteadyLookUs = 200;
@@ -161,27 +161,28 @@ void SynthTimeline::observeAt(unsigned int tick, int64_t realUs)
         m_stretch = {realUs, ahead, 1};
         return;
     }
-    m_stretch.leastAheadUs = std::min(m_stretch.leastAheadUs, ahead);
+    m_stretch.mostAheadUs = std::max(m_stretch.mostAheadUs, ahead);
     ++m_stretch.seen;
 }
 
-std::optional<int64_t> SynthTimeline::leastAheadUs() const
+std::optional<int64_t> SynthTimeline::mostAheadUs() const
 {
     if (m_stretch.seen + m_lastStretch.seen < kEnoughSeen)
         return std::nullopt;
     if (m_lastStretch.seen == 0)
-        return m_stretch.leastAheadUs;
-    return std::min(m_stretch.leastAheadUs, m_lastStretch.leastAheadUs);
+        return m_stretch.mostAheadUs;
+    return std::max(m_stretch.mostAheadUs, m_lastStretch.mostAheadUs);
 }
 
 std::optional<double> SynthTimeline::tieAheadMs() const
 {
     if (!m_anchored)
         return std::nullopt;
-    const std::optional<int64_t> least = leastAheadUs();
-    if (!least)
+    const std::optional<int64_t> most = mostAheadUs();
+    if (!most)
         return std::nullopt;
-    return static_cast<double>(m_tieAheadUs - *least) / 1000.0;
+    // Right before a burst the sample clock stands a burst below its most.
+    return static_cast<double>(m_tieAheadUs - (*most - m_burstUs)) / 1000.0;
 }
 
 void SynthTimeline::dropPending()

@@ -23,10 +23,11 @@ class FluidSynthEngine;
 // last one).
 //
 // It also knows when a stamped message is heard. The audio thread renders in bursts, so how far
-// the sample clock runs ahead of real time swings by up to a burst; at its least (right before a
-// burst) it stands a fixed distance, the device's delay, before what is heard. Watching that
-// distance now and then (observe) gives where in the swing the clocks were tied, and so how long
-// after its due time every message of the tie sounds.
+// the sample clock runs ahead of real time swings by a burst: right after a burst it is at its
+// most, and a burst less stands a fixed distance, the device's delay, before what is heard. (It
+// can fall lower for a while when the audio thread is late, which is why the most is watched,
+// not the least.) Watching that distance now and then (observe) gives where in the swing the
+// clocks were tied, and so how long after its due time every message of the tie sounds.
 class SynthTimeline {
 public:
     // realUs: microseconds on a steady clock (tests give a virtual one); empty: the system's.
@@ -57,12 +58,14 @@ public:
     // follow the bursts, so that the least distance is seen.
     void observe();
     // How much further ahead of real time the sample clock stood, when the clocks were tied, than
-    // at its least: a message due at d is heard at d + lead + this + the device's delay. Empty
-    // while nothing is tied or too little of the audio's pace has been seen since it started.
+    // right before a burst: a message due at d is heard at d + lead + this + the device's delay.
+    // Empty while nothing is tied or too little of the audio's pace has been seen since it started.
     std::optional<double> tieAheadMs() const;
 
     double leadMs() const { return m_leadMs; }
     void setLeadMs(double ms) { m_leadMs = ms; }
+    // How much audio the driver renders at a time (AudioDriverSettings::burstMs).
+    void setBurstMs(double ms) { m_burstUs = static_cast<int64_t>(ms * 1000.0); }
     // The synth's sample clock in ms since this timeline began: it stands still while no audio
     // thread renders.
     unsigned int sampleClockMs() const { return m_seq ? fluid_sequencer_get_tick(m_seq) : 0; }
@@ -70,18 +73,18 @@ public:
     int64_t lateMessages() const { return m_late; }
 
 private:
-    // The least distance seen over a stretch of real time: two stretches are kept, so the least
-    // follows the slow drift of the sound card's crystal against the system clock.
+    // The most distance seen over a stretch of real time: two stretches are kept, so it follows
+    // the slow drift of the sound card's crystal against the system clock.
     struct Stretch {
         int64_t startUs = 0;
-        int64_t leastAheadUs = 0;
+        int64_t mostAheadUs = 0;
         int seen = 0;
     };
 
     bool fillEvent(fluid_event_t* event, uint32_t message) const;
     unsigned int tickFor(int32_t dueMs, int64_t handedOverUs);
     void observeAt(unsigned int tick, int64_t realUs);
-    std::optional<int64_t> leastAheadUs() const;
+    std::optional<int64_t> mostAheadUs() const;
 
     std::function<int64_t()> m_realUs;
     fluid_sequencer_t* m_seq = nullptr;
@@ -93,6 +96,7 @@ private:
     int32_t m_lastDueMs = 0;
     unsigned int m_lastTick = 0;
     int64_t m_late = 0;
+    int64_t m_burstUs = 0;
     int64_t m_restartUs = 0;
     int64_t m_tieAheadUs = 0;
     Stretch m_stretch;
