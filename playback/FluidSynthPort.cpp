@@ -208,23 +208,22 @@ struct FluidSynthPort::Impl {
     void watch()
     {
         std::unique_lock lock(audioMutex);
+        int64_t nextIdleCheck = 0;
         while (!stopWatcher) {
             if (!driver) {
                 watcherWake.wait(lock);
+                nextIdleCheck = 0;
                 continue;
             }
             if (timeline)
                 timeline->observe();
-            if (options.idleWatcher) {
-                const int64_t next = checkIdleLocked();
+            if (options.idleWatcher && now() >= nextIdleCheck) {
+                // Also every second while playing, to notice a stalled audio thread.
+                nextIdleCheck = std::min(checkIdleLocked(), now() + 1000);
                 if (!driver)
                     continue;
-                // Looks again in time for a stalled audio thread too.
-                const int64_t waitMs = std::clamp<int64_t>(next - now(), 1, kObservePaceMs);
-                watcherWake.wait_for(lock, std::chrono::milliseconds(waitMs));
-            } else {
-                watcherWake.wait_for(lock, std::chrono::milliseconds(kObservePaceMs));
             }
+            watcherWake.wait_for(lock, std::chrono::milliseconds(kObservePaceMs));
         }
     }
 

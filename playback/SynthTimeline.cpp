@@ -18,7 +18,7 @@ constexpr int32_t kRetieAfterGapMs = 2000;
 // A started audio driver first fills the device's buffer at once; its pace is watched only after
 // that, longer than the largest buffer the learner may choose.
 constexpr int64_t kSettleUs = 200'000;
-// One stretch of the least distance; short beside the crystals' drift (0.1 ms in 2 s at 50 ppm).
+// One stretch of the most distance; short beside the crystals' drift (0.1 ms in 2 s at 50 ppm).
 constexpr int64_t kStretchUs = 2'000'000;
 // Looks at times that do not follow the bursts find the most within a fraction of a burst after
 // this many.
