@@ -7,6 +7,7 @@
 #include "oud/view/UdDisplay.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRouter.h"
+#include "playback/qt/DelayedMarks.h"
 
 #include <QMainWindow>
 #include <QMessageBox>
@@ -177,6 +178,7 @@ private:
     void m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec);
     void m_mf_p_meta(int16_t track, uint8_t metaType, const std::string& txt, int32_t absMSec);
     void m_mf_p_donePB();
+    void showPieceMark(const PieceMark& mark);
     void tmrAct_Timer();
     void showOutputNoticeOnce();
     void setButtonDown(QPushButton* button, bool down);
@@ -203,6 +205,8 @@ private:
     std::unique_ptr<QtPlayerWait> m_wait;
     MidiPlayer m_player;
     PieceRouter m_router;
+    // The fingerboard's marks of the piece's events, shown as the output sounds them.
+    DelayedMarks m_pieceMarks{[this] { return m_clock.millis(); }, [this](const PieceMark& m) { showPieceMark(m); }};
     bool m_playing = false;
     bool m_paused = false;
     bool m_inPlay = false;  // MidiPlayer::play is on the stack

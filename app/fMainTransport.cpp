@@ -37,22 +37,12 @@ void fMain::connectTransport()
     m_player.chase = [this](int32_t fromMs) { m_router.startFrom(m_player.theMidi(), fromMs); };
     m_player.setTheMidi(m_mf.get());
 
-    // The fingerboard follows the piece's notes on shown channels; the mark goes up before the
-    // note sounds.
-    m_router.markNote = [this](int, int note, int32_t cents) {
-        if (!m_display)
-            return;
-        const int32_t side = m_display->noteOnDisplay(note, cents, true);
-        if (side != 0)
-            showRangeSide(side);
-        QCoreApplication::processEvents();
-        QCoreApplication::processEvents();
-    };
-    m_router.unmarkNote = [this](int, int note, int32_t cents) {
-        if (m_display && m_display->noteOffDisplay(note, cents, true))
-            showRangeSide(0);
-        QCoreApplication::processEvents();
-        QCoreApplication::processEvents();
+    // The fingerboard follows the piece's notes on shown channels as the learner hears them: each
+    // event's marks wait for the output's delay (m_mf_p_msg). Notes played by hand sound at once
+    // and are marked at once.
+    m_router.markNote = [this](int ch, int note, int32_t cents) { m_pieceMarks.add(PieceMark::noteOn(ch, note, cents)); };
+    m_router.unmarkNote = [this](int ch, int note, int32_t cents) {
+        m_pieceMarks.add(PieceMark::noteOff(ch, note, cents));
     };
 
     connect(cmdPlay, &QPushButton::toggled, this, &fMain::cmdPlay_Toggled);
@@ -166,6 +156,7 @@ void fMain::pausePlaying()
     m_playing = false;
     setButtonDown(cmdPlay, false);
     midiOutReset();
+    m_pieceMarks.drop();  // the player's end clears the fingerboard
     m_player.stopPlaying();
 }
 
@@ -183,6 +174,11 @@ void fMain::stopPlaying()
     m_paused = false;
     m_playing = false;
     midiOutReset();
+    // Marks still waiting belong to notes no one will hear, and the note-offs among them would
+    // never clear what is shown: the fingerboard rests again (the player's end does it while it
+    // runs; after the piece's end the last marks may still wait).
+    if (m_pieceMarks.drop() && !m_inPlay)
+        redrawFingerboard();
 }
 
 void fMain::sldPosition_Change(int seconds)
@@ -190,9 +186,13 @@ void fMain::sldPosition_Change(int seconds)
     if (m_positionUpdatesSuspended)
         return;
     midiOutReset();
-    if (m_playing)
+    if (m_playing) {
         m_player.reposition(seconds * 1000);
-    else if (m_paused)
+        // The notes cut here get no note-off from the player, which goes on elsewhere: their
+        // marks go, with every mark still waiting.
+        m_pieceMarks.drop();
+        redrawFingerboard();
+    } else if (m_paused)
         m_resumeFromMs = seconds * 1000;
 }
 
@@ -207,6 +207,7 @@ void fMain::sldSpeedR_Change(int value, bool settled)
 void fMain::udMidiOctShift_Change()
 {
     midiOutReset();
+    m_pieceMarks.drop();  // their note-offs will come shifted, elsewhere
     m_router.setMidiOctShift(udMidiOctShift->value());
     redrawFingerboard();
     lblMidiOctShift->setText(QString::fromStdString(octaveCaption(udMidiOctShift->value())));
@@ -219,19 +220,39 @@ void fMain::m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec)
         sldPosition->setValue(positionRangeSeconds(absMSec));
         lblPieceTime->setText(pieceTimeText(absMSec));
     }
-    // The synthesizer sounds the event at its due time, however late this thread got here.
-    const MidiOutDueTime due(m_player.currentDueMs());
-    m_router.route(status, c1, c2);
+    const int32_t dueMs = m_player.currentDueMs();
+    const size_t marksBefore = m_pieceMarks.waiting();
+    {
+        // The synthesizer sounds the event at its due time, however late this thread got here.
+        const MidiOutDueTime due(dueMs);
+        m_router.route(status, c1, c2);
+    }
+    // Its marks show when it is heard. Asked after the sending, which may have started the
+    // output's audio again and tied its clocks anew.
+    const bool marked = m_pieceMarks.waiting() > marksBefore;
+    m_pieceMarks.release(dueMs + midiOutHeardDelayMs());
+    if (marked) {
+        // The fingerboard paints, and earlier marks come due, even while the player catches up
+        // without waiting.
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+    }
 }
 
 void fMain::m_mf_p_meta(int16_t, uint8_t metaType, const std::string& txt, int32_t)
 {
-    if (metaType == 1)
-        applyMaqamMarker(txt);
+    if (metaType != 1)
+        return;
+    // A maqam changes how the notes around it are named: it shows in turn with their marks.
+    if (const std::optional<MaqamMarker> marker = m_maqams.parseMaqamMarker(txt)) {
+        m_pieceMarks.add(PieceMark::maqamMarker(marker->index, marker->tonic));
+        m_pieceMarks.release(m_player.currentDueMs() + midiOutHeardDelayMs());
+    }
 }
 
 void fMain::m_mf_p_donePB()
 {
+    const bool ended = m_playing;  // neither stopped nor paused: the piece ran to its end
     setButtonDown(cmdPlay, false);
     if (m_paused) {
         m_resumeFromMs = m_player.stopOffsetMSec_midi();
@@ -241,7 +262,38 @@ void fMain::m_mf_p_donePB()
         sldPosition->setValue(0);
     }
     m_playing = false;
-    redrawFingerboard();
+    if (ended) {
+        // The last notes are still to be heard: the fingerboard rests after their marks.
+        m_pieceMarks.add(PieceMark::clear());
+        m_pieceMarks.release(m_clock.millis());
+    } else {
+        m_pieceMarks.drop();
+        redrawFingerboard();
+    }
+}
+
+void fMain::showPieceMark(const PieceMark& mark)
+{
+    switch (mark.kind) {
+    case PieceMark::Kind::NoteOn:
+        // A channel hidden or muted since its note came is not shown any more.
+        if (m_display && m_router.channelShown(mark.channel) && m_router.channelEnabled(mark.channel)) {
+            const int32_t side = m_display->noteOnDisplay(mark.note, mark.cents, true);
+            if (side != 0)
+                showRangeSide(side);
+        }
+        return;
+    case PieceMark::Kind::NoteOff:
+        if (m_display && m_display->noteOffDisplay(mark.note, mark.cents, true))
+            showRangeSide(0);
+        return;
+    case PieceMark::Kind::Maqam:
+        applyMaqamMarker(MaqamMarker{mark.maqam, mark.tonic});
+        return;
+    case PieceMark::Kind::Clear:
+        redrawFingerboard();
+        return;
+    }
 }
 
 // A system MIDI port may be wanted by another program while ours is in the background: it is let

@@ -4,6 +4,7 @@
 //   sound_check write-probe OUT.mid SECONDS              C4 + 50 cents, E4 - 50 cents, G4 on a clarinet
 //   sound_check write-quiet OUT.mid SECONDS              one note at the start and one at the end
 //   sound_check onsets IN.wav INTERVAL_MS                click onsets against their best-fitting grid
+//   sound_check onset-times IN.wav INTERVAL_MS           every click onset, ms from the first sample
 //   sound_check probe IN.wav                             dropouts inside the notes and their pitch
 // Only 16-bit PCM WAV files (FluidSynth's file driver, parec) are read.
 #include "midi/EventList.h"
@@ -140,23 +141,39 @@ double percentile(std::vector<double> v, double p)
 // An onset is the first sample above a third of the loudest one (the ring of a click stays well
 // under it), at least half an interval after the last onset; deviations are against the grid
 // whose phase is the median of all of them.
-int onsets(const Wav& wav, int intervalMs)
+std::vector<double> findOnsets(const Wav& wav, int intervalMs)
 {
     double peak = 0;
     for (double x : wav.mono)
         peak = std::max(peak, std::fabs(x));
-    if (peak == 0) {
-        std::puts("no sound");
-        return 1;
-    }
+    std::vector<double> times;
+    if (peak == 0)
+        return times;
     const double threshold = peak / 3;
     const auto deadFrames = static_cast<size_t>(wav.rate * intervalMs / 2000.0);
-    std::vector<double> times;
     for (size_t f = 0; f < wav.mono.size(); ++f) {
         if (std::fabs(wav.mono[f]) >= threshold) {
             times.push_back(f * 1000.0 / wav.rate);
             f += deadFrames;
         }
+    }
+    return times;
+}
+
+// Every onset, in ms from the file's first sample, one a line.
+int onsetTimes(const Wav& wav, int intervalMs)
+{
+    for (double t : findOnsets(wav, intervalMs))
+        std::printf("%.3f\n", t);
+    return 0;
+}
+
+int onsets(const Wav& wav, int intervalMs)
+{
+    const std::vector<double> times = findOnsets(wav, intervalMs);
+    if (times.empty()) {
+        std::puts("no sound");
+        return 1;
     }
     std::vector<double> phase;
     for (size_t i = 0; i < times.size(); ++i)
@@ -226,17 +243,20 @@ int main(int argc, char** argv)
         return writeProbe(argv[2], std::clamp(std::atoi(argv[3]), 3, 3600));
     if (mode == "write-quiet" && argc == 4)
         return writeQuiet(argv[2], std::clamp(std::atoi(argv[3]), 3, 3600));
-    if ((mode == "onsets" && argc == 4) || (mode == "probe" && argc == 3)) {
+    if (((mode == "onsets" || mode == "onset-times") && argc == 4) || (mode == "probe" && argc == 3)) {
         Wav wav;
         if (!readWav(argv[2], wav)) {
             std::fprintf(stderr, "sound_check: %s is not a 16-bit PCM WAV file\n", argv[2]);
             return 1;
         }
-        return mode == "probe" ? probe(wav) : onsets(wav, std::clamp(std::atoi(argv[3]), 10, 10000));
+        if (mode == "probe")
+            return probe(wav);
+        const int interval = std::clamp(std::atoi(argv[3]), 10, 10000);
+        return mode == "onsets" ? onsets(wav, interval) : onsetTimes(wav, interval);
     }
     std::fputs("usage: sound_check write-clicks OUT.mid COUNT INTERVAL_MS | write-probe OUT.mid SECONDS\n"
                "                   | write-quiet OUT.mid SECONDS\n"
-               "                   | onsets IN.wav INTERVAL_MS | probe IN.wav\n",
+               "                   | onsets IN.wav INTERVAL_MS | onset-times IN.wav INTERVAL_MS | probe IN.wav\n",
                stderr);
     return 2;
 }

@@ -36,21 +36,30 @@ AudioDriverSettings chooseAudioDriverSettings(const std::string& driver, int lat
         s.intSettings = {{"audio.pulseaudio.adjust-latency", 1}};
         s.bufferMs = msOf(s.periodSize, sampleRate);
         s.burstMs = s.bufferMs;
+        // With latency adjusted, the server holds about the asked buffer behind each write.
+        s.deviceDelayMs = s.bufferMs;
     } else if (driver == "jack") {
         // Connected to the speakers at once, as the other drivers are.
         s.intSettings = {{"audio.jack.autoconnect", 1}};
         s.burstMs = msOf(4 * kSynthBlock, sampleRate);
+        // The server plays a period while the next is rendered: one period, of the size assumed
+        // for the burst, since the server alone knows it.
+        s.deviceDelayMs = s.burstMs;
     } else if (driver == "file") {
         s.periodSize = kSynthBlock;
         s.periods = 2;
         s.bufferMs = msOf(s.periodSize, sampleRate);
         // The file driver's timer wakes every millisecond and writes one period when it is due.
         s.burstMs = std::max(1.0, msOf(s.periodSize, sampleRate));
+        s.deviceDelayMs = 0.0;  // a sample written is a sample heard
     } else {
         s.periodSize = latencyFrames >= 8 * kSynthBlock ? 2 * kSynthBlock : kSynthBlock;
         s.periods = std::max(2, static_cast<int>(std::lround(static_cast<double>(latencyFrames) / s.periodSize)));
         s.bufferMs = msOf(s.periodSize * s.periods, sampleRate);
         s.burstMs = msOf(s.periodSize, sampleRate);
+        // The driver writes a period whenever one is free in the device's buffer, so the buffer
+        // stays full behind what was rendered.
+        s.deviceDelayMs = s.bufferMs;
     }
     return s;
 }

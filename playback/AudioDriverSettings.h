@@ -24,6 +24,10 @@ struct AudioDriverSettings {
     // How far one write of the synthesizer runs ahead in a burst: the time-stamped events need
     // at least this much lead to land on their sample.
     double burstMs = 0.0;
+    // How long the audio the synthesizer has just rendered waits before it is heard when its
+    // write is least ahead (right before a burst): the device's or server's buffer, which the
+    // driver keeps full. Between bursts the rendered audio runs up to burstMs further ahead.
+    double deviceDelayMs = 0.0;
 };
 
 // The choice per driver. The latency is clamped to the allowed range first.
@@ -32,7 +36,8 @@ struct AudioDriverSettings {
 // - alsa, oss, sdl2 and the platforms' drivers: periods of 64 or 128 frames, as many as fill the
 //   latency (at least two, so one can be written while the other plays).
 // - jack: the server's own period; nothing to ask for.
-// - file: 64-frame writes paced in real time, as a sound card would take them.
+// - file: 64-frame writes paced in real time, as a sound card would take them; nothing waits
+//   behind a write, so what is written counts as heard.
 AudioDriverSettings chooseAudioDriverSettings(const std::string& driver, int latencyMs, double sampleRate);
 
 // "pulseaudio, 10.0 ms (441 frames)": what the device dialog shows of the open output.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <filesystem>
 #include <mutex>
@@ -26,6 +27,16 @@ constexpr int64_t kRingingRecheckMs = 250;
 constexpr auto kStalledAfter = std::chrono::seconds(2);
 // How often a lost sound server is tried again, at the notes played meanwhile.
 constexpr int64_t kRetryLostAudioMs = 2000;
+// How often the audio's pace is looked at while it runs: a prime number of milliseconds, so the
+// looks fall all over the bursts of any driver's period.
+constexpr int64_t kObservePaceMs = 7;
+
+// The same clock SynthTimeline reads by default.
+int64_t steadyUs()
+{
+    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
 
 int64_t steadyMs()
 {
@@ -110,7 +121,12 @@ struct FluidSynthPort::Impl {
         fluid_settings_t* settings = engine->settings();
         const int latency = options.latencyMs ? options.latencyMs() : kDefaultSynthLatencyMs;
         for (const std::string& name : options.audioDrivers) {
-            const AudioDriverSettings s = chooseAudioDriverSettings(name, latency, options.sampleRate);
+            AudioDriverSettings s = chooseAudioDriverSettings(name, latency, options.sampleRate);
+            if (name == "file" && options.fileWriteFrames > 0) {
+                s.periodSize = options.fileWriteFrames;
+                s.bufferMs = s.periodSize * 1000.0 / options.sampleRate;
+                s.burstMs = s.bufferMs;
+            }
             fluid_settings_setint(settings, "audio.period-size", s.periodSize);
             fluid_settings_setint(settings, "audio.periods", s.periods);
             for (const auto& [key, value] : s.intSettings)
@@ -123,6 +139,7 @@ struct FluidSynthPort::Impl {
                 driverName = name;
                 chosen = s;
                 timeline->setLeadMs(s.burstMs + options.scheduleMarginMs);
+                timeline->setBurstMs(s.burstMs);
                 lastTicks = timeline->sampleClockMs();
                 lastTicksChange = std::chrono::steady_clock::now();
                 return true;
@@ -193,21 +210,28 @@ struct FluidSynthPort::Impl {
     void watch()
     {
         std::unique_lock lock(audioMutex);
+        int64_t nextIdleCheck = 0;
         while (!stopWatcher) {
             if (!driver) {
                 watcherWake.wait(lock);
+                nextIdleCheck = 0;
                 continue;
             }
-            const int64_t next = checkIdleLocked();
-            const int64_t waitMs = std::max<int64_t>(next - now(), 1);
-            // Also wakes every second while playing, to notice a stalled audio thread.
-            watcherWake.wait_for(lock, std::chrono::milliseconds(std::min<int64_t>(waitMs, 1000)));
+            if (timeline)
+                timeline->observe();
+            if (options.idleWatcher && now() >= nextIdleCheck) {
+                // Also every second while playing, to notice a stalled audio thread.
+                nextIdleCheck = std::min(checkIdleLocked(), now() + 1000);
+                if (!driver)
+                    continue;
+            }
+            watcherWake.wait_for(lock, std::chrono::milliseconds(kObservePaceMs));
         }
     }
 
     void startWatcher()
     {
-        if (!options.idleWatcher || watcher.joinable())
+        if (watcher.joinable())
             return;
         stopWatcher = false;
         watcher = std::thread([this] { watch(); });
@@ -227,6 +251,7 @@ struct FluidSynthPort::Impl {
     // A message for the synth once the SoundFont is in: a note-on needs the audio running.
     void deliver(uint32_t message, const int32_t* dueMs)
     {
+        const int64_t handedOverUs = steadyUs();
         bool scheduled = false;
         {
             std::lock_guard lock(audioMutex);
@@ -236,7 +261,7 @@ struct FluidSynthPort::Impl {
             }
             // Without audio the sample clock stands still: the message changes the synth now.
             if (dueMs && driver && timeline && timeline->valid()) {
-                timeline->sendAt(message, *dueMs);
+                timeline->sendAt(message, *dueMs, handedOverUs);
                 scheduled = true;
             } else if (!dueMs && driver && timeline && isChannelCut(message)) {
                 timeline->sendAfterPending(message);
@@ -423,6 +448,20 @@ void FluidSynthPort::reset()
             m_impl->timeline->dropPending();
     }
     MidiOutPort::reset();
+}
+
+int32_t FluidSynthPort::heardDelayMs() const
+{
+    const Impl& d = *m_impl;
+    if (!d.isOpen)
+        return 0;
+    std::lock_guard lock(d.audioMutex);
+    if (d.driverName.empty() || !d.timeline)
+        return 0;
+    // Until the pace is known, the tie is taken to have fallen in the middle of a burst.
+    const double ahead = d.timeline->tieAheadMs().value_or(d.chosen.burstMs / 2.0);
+    const double heard = d.timeline->leadMs() + ahead + d.chosen.deviceDelayMs;
+    return static_cast<int32_t>(std::max<long>(0, std::lround(heard)));
 }
 
 bool FluidSynthPort::audioRunning() const

@@ -31,9 +31,14 @@ struct FluidSynthPortOptions {
     // sound server may suspend; the next note brings it back.
     int idlePauseMs = 3000;
     // Milliseconds on a steady clock for the idle pause (tests give a virtual one), and whether a
-    // watcher thread looks for the pause by itself (tests call checkIdle instead).
+    // watcher thread looks for the pause by itself (tests call checkIdle instead). The thread
+    // runs while the audio does either way, to watch the audio's pace (heardDelayMs).
     std::function<int64_t()> clockMs;
     bool idleWatcher = true;
+    // Frames the file driver writes at a time: 0 for one 64-frame block, as a sound card takes
+    // them; more imitates a sound server's bursts (PulseAudio's is the whole latency), for the
+    // benchmarks.
+    int fileWriteFrames = 0;
 };
 
 // The built-in synthesizer behind "MIDI Mapper": FluidSynth with a General MIDI SoundFont,
@@ -65,6 +70,11 @@ public:
     void sendAt(uint32_t message, int32_t dueMs) override;
     // Also drops the time-stamped messages still waiting, so nothing sounds after a stop.
     void reset() override;
+    // The sequencer's lead, plus where in the audio thread's write burst the clocks were tied
+    // (measured; half a burst until the audio has been watched for a moment), plus the buffer
+    // the driver keeps behind its writes (AudioDriverSettings::deviceDelayMs, as asked of the
+    // driver: a sound server may grant a little less).
+    int32_t heardDelayMs() const override;
     std::string failureReason() const override;
     std::string notice() const override;
     bool isReady() const override { return state() == State::Ready; }

@@ -46,6 +46,12 @@ public:
         send(message);
     }
 
+    // How long after its due time a message sent with sendAt is heard, in ms, as well as the
+    // output knows: the window shows a piece's notes on the fingerboard that much later, so the
+    // learner sees each mark as the note sounds. 0 for outputs that play at once (a system MIDI
+    // port: what the device then takes is its own affair).
+    virtual int32_t heardDelayMs() const { return 0; }
+
     // Silences everything: sustain off, then all notes off, on every channel. Sustain goes first
     // because a device keeps notes held by the pedal through an all-notes-off.
     virtual void reset();

@@ -41,6 +41,10 @@ public:
     int32_t close() override;
     void send(uint32_t message) override;
     std::string failureReason() const override;
+    // 0 unless told otherwise: then it stands for an output heard later than it is sent, as the
+    // built-in synthesizer is.
+    int32_t heardDelayMs() const override { return m_open ? m_heardDelayMs : 0; }
+    void setHeardDelayMs(int32_t ms) { m_heardDelayMs = ms; }
 
     bool isOpen() const { return m_open; }
 
@@ -48,6 +52,7 @@ private:
     std::shared_ptr<MidiRecording> m_recording;
     std::function<int32_t()> m_clock;
     int32_t m_openResult;
+    int32_t m_heardDelayMs = 0;
     bool m_open = false;
 };
 

@@ -132,6 +132,12 @@ MidiOutDueTime::~MidiOutDueTime()
     state().dueMs = m_outer;
 }
 
+int32_t midiOutHeardDelayMs()
+{
+    const MidiMainState& s = state();
+    return s.port ? s.port->heardDelayMs() : 0;
+}
+
 std::string midiOutDescription()
 {
     const MidiMainState& s = state();

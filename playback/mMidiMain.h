@@ -66,6 +66,11 @@ private:
     std::optional<int32_t> m_outer;
 };
 
+// How long after its due time a message sent under a MidiOutDueTime is heard, in ms (the open
+// output's heardDelayMs); 0 when nothing is open. It can change as the output's audio restarts,
+// so it is asked again for every event.
+int32_t midiOutHeardDelayMs();
+
 // What the open output plays through (the device dialog shows it); empty when nothing is open.
 std::string midiOutDescription();
 

@@ -192,5 +192,38 @@ TEST(FluidSynthPort, SilenceLetsTheAudioGoAndTheNextNoteBringsItBack)
     std::filesystem::remove(raw);
 }
 
+// How long after its due time a stamped note is heard: the sequencer's lead (the driver's write
+// burst and 10 ms for a late sender), where in a burst the clocks were tied, and the buffer behind
+// the writes (none for a file). Here the file driver writes 20 ms at once, as PulseAudio's does
+// at the default latency.
+TEST(FluidSynthPort, TheHeardDelayCountsTheLeadTheBurstAndTheBuffer)
+{
+    const std::string soundFont = findSoundFont();
+    if (soundFont.empty())
+        GTEST_SKIP() << "no General MIDI SoundFont installed";
+    const std::string raw = scratchPath("heard.raw");
+    FluidSynthPortOptions options = fileDriver(soundFont, raw);
+    options.fileWriteFrames = 882;
+    FluidSynthPort port(options);
+    EXPECT_EQ(port.heardDelayMs(), 0);  // closed
+    ASSERT_EQ(port.open(), kMidiOutOk);
+    ASSERT_TRUE(port.waitUntilReady(20000));
+    EXPECT_EQ(port.outputDescription(), "file, 20.0 ms (882 frames at 44100 Hz)");
+    EXPECT_EQ(port.heardDelayMs(), 20 + 10 + 10);  // nothing tied yet: half a burst is assumed
+
+    // Once the audio's pace has been watched, the tie's place in its burst is measured: between
+    // none and a whole burst (a little more on a loaded machine).
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    port.sendAt(0x643C90, 0);
+    port.sendAt(0x3C80, 100);
+    const int32_t tied = port.heardDelayMs();
+    EXPECT_GE(tied, 20 + 10 - 1);
+    EXPECT_LE(tied, 20 + 10 + 20 + 5);
+
+    port.close();
+    EXPECT_EQ(port.heardDelayMs(), 0);
+    std::filesystem::remove(raw);
+}
+
 }  // namespace
 }  // namespace tarabix

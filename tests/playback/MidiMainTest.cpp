@@ -264,5 +264,31 @@ TEST(MidiMain, APiecesDueTimeTravelsWithEveryMessageOfItsEvent)
     resetMidiMainState();
 }
 
+// The window delays a piece's marks by what the open output says: the built-in synthesizer's
+// delay while it is open, a system port's none, nothing while nothing is open.
+TEST(MidiMain, TheHeardDelayIsTheOpenOutputs)
+{
+    resetMidiMainState();
+    EXPECT_EQ(midiOutHeardDelayMs(), 0);
+    auto recording = std::make_shared<MidiRecording>();
+    setMidiOutBackend({[] { return std::vector<std::string>{"Port A"}; }, [recording](int32_t id) {
+                           auto port = std::make_unique<RecorderPort>(recording);
+                           if (id == kMidiMapperId)
+                               port->setHeardDelayMs(45);
+                           return port;
+                       }});
+    EXPECT_EQ(midiOutHeardDelayMs(), 0);
+    ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
+    EXPECT_EQ(midiOutHeardDelayMs(), 45);
+    setMidiDeviceId(0);
+    ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
+    EXPECT_EQ(midiOutHeardDelayMs(), 0);
+    setMidiDeviceId(kMidiMapperId);
+    ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
+    closeMidiOut();
+    EXPECT_EQ(midiOutHeardDelayMs(), 0);
+    resetMidiMainState();
+}
+
 }  // namespace
 }  // namespace tarabix

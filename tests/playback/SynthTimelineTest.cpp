@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <vector>
 
 namespace tarabix {
@@ -24,7 +25,8 @@ constexpr uint32_t kClickOff = 0x4C89;
 // a sound card, made deterministic.
 class VirtualAudio {
 public:
-    explicit VirtualAudio(const std::string& soundFont) : engine(kRate), timeline(engine, kLeadMs)
+    explicit VirtualAudio(const std::string& soundFont, std::function<int64_t()> realUs = {})
+        : engine(kRate), timeline(engine, kLeadMs, std::move(realUs))
     {
         ready = engine.loadSoundFont(soundFont) && timeline.valid();
     }
@@ -110,6 +112,64 @@ TEST(SynthTimeline, ALateSenderStillGivesExactSampleTimes)
             EXPECT_GT(hi - lo, 5 * kRate / 1000.0);
         }
     }
+}
+
+// Where in the audio thread's burst the clocks are tied moves the whole tie by up to a burst; the
+// timeline watches the audio's pace and tells how far, so that the lead, this and the device's
+// delay give the moment each message is heard. The virtual device plays sample s at wall time
+// s / rate, kAheadMs behind the least the audio thread keeps rendered when it is on time.
+TEST(SynthTimeline, KnowsWhenAStampedMessageIsHeardWhereverTheTieFalls)
+{
+    const std::string soundFont = findSoundFont();
+    if (soundFont.empty())
+        GTEST_SKIP() << "no General MIDI SoundFont installed";
+    std::vector<double> misses;
+    for (int phase = 0; phase < 10; phase += 3) {  // ms into the 10-ms write period
+        for (const int wakeMs : {0, 4}) {           // the audio woke between hand-over and send
+            SCOPED_TRACE(testing::Message() << "phase " << phase << " wake " << wakeMs);
+            int wallMs = 0;
+            VirtualAudio audio(soundFont, [&wallMs] { return static_cast<int64_t>(wallMs) * 1000; });
+            ASSERT_TRUE(audio.ready);
+            audio.timeline.setBurstMs(kPeriod * 1000.0 / kRate);
+            // The audio thread is 4 ms late now and then, and then catches up at once.
+            const auto runTo = [&](int ms) {
+                for (; wallMs < ms; ++wallMs) {
+                    if (wallMs % 97 >= 4)
+                        audio.advanceTo(wallMs);
+                    if (wallMs % 7 == 0)  // as the port's watcher does
+                        audio.timeline.observe();
+                }
+                audio.advanceTo(wallMs);
+            };
+            runTo(150);
+            audio.timeline.sendAt(kClickOff, 150);
+            EXPECT_FALSE(audio.timeline.tieAheadMs()) << "the pace is not known yet";
+            audio.timeline.dropPending();  // a stop: the next stamp ties afresh
+
+            const int due = 500 + phase;
+            runTo(due + wakeMs);
+            audio.timeline.sendAt(kClickOn, due, int64_t{due} * 1000);
+            audio.timeline.sendAt(kClickOff, due + kIntervalMs / 2);
+            const std::optional<double> ahead = audio.timeline.tieAheadMs();
+            ASSERT_TRUE(ahead);
+            EXPECT_GE(*ahead, wakeMs - 1.0);
+            EXPECT_LE(*ahead, wakeMs + 10.0 + 1.0);
+            runTo(due + 300);
+            const std::vector<size_t> onsets = audio.onsets(static_cast<size_t>(300 * kRate / 1000));
+            ASSERT_EQ(onsets.size(), 1u);
+            const double heardMs = static_cast<double>(onsets[0]) * 1000.0 / kRate;
+            misses.push_back(heardMs - (due + kLeadMs + *ahead + kAheadMs));
+
+            audio.timeline.restartClock();
+            EXPECT_FALSE(audio.timeline.tieAheadMs()) << "a restarted audio is watched afresh";
+        }
+    }
+    // The same to the synth's 64-frame block, wherever the tie fell; the click's rise to a third
+    // of its peak comes on top (2.5 ms), the same each time.
+    const auto [lo, hi] = std::ranges::minmax(misses);
+    EXPECT_LE(hi - lo, 1.5);
+    EXPECT_GE(lo, 0.0);
+    EXPECT_LE(hi, 4.0);
 }
 
 TEST(SynthTimeline, WhatWaitsIsDroppedByAResetOrCutByAMuteAndALateMessagePlaysAtOnce)
