@@ -15,12 +15,6 @@ namespace {
 
 using test::scratchPath;
 
-bool machineHasSoundCard()
-{
-    std::error_code ec;
-    return std::filesystem::exists("/dev/snd", ec);
-}
-
 // FluidSynth's file driver plays in real time like a sound card does, so the threaded SoundFont
 // load and the queue in front of it run here even without audio hardware.
 FluidSynthPortOptions fileDriver(const std::string& soundFont, const std::string& rawPath)
@@ -32,6 +26,9 @@ FluidSynthPortOptions fileDriver(const std::string& soundFont, const std::string
     return options;
 }
 
+// Without an audio device open fails quietly: FluidSynth's complaint goes to our diagnostics, not
+// to the terminal, and the window can say why. A second try (the activity timer) fails the same
+// way, and so does the mapper at start-up on a machine without sound; the program runs on.
 TEST(FluidSynthPort, WithoutAnAudioDeviceOpenFailsQuietlyAndSaysWhy)
 {
     FluidSynthPortOptions options;
@@ -40,35 +37,20 @@ TEST(FluidSynthPort, WithoutAnAudioDeviceOpenFailsQuietlyAndSaysWhy)
     clearSynthDiagnostics();
     testing::internal::CaptureStderr();
     EXPECT_EQ(port.open(), kMidiOutNoDevice);
-    // FluidSynth's complaint goes to our diagnostics, not to the terminal.
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    const std::vector<std::string> diagnostics = recentSynthDiagnostics();
-    EXPECT_TRUE(std::ranges::any_of(diagnostics, [](const std::string& line) {
-        return line.find("no-such-driver") != std::string::npos;
-    }));
+    EXPECT_TRUE(std::ranges::any_of(recentSynthDiagnostics(),
+                                    [](const std::string& line) { return line.find("no-such-driver") != std::string::npos; }));
     EXPECT_EQ(port.failureReason(), "no audio output device");
-    EXPECT_EQ(port.state(), FluidSynthPort::State::Closed);
     port.send(0x643C90);
-    port.reset();
     EXPECT_EQ(port.close(), kMidiOutInvalidHandle);
-    // A second try (the window's activity timer) fails the same way.
     EXPECT_EQ(port.open(), kMidiOutNoDevice);
-}
 
-// What the window meets at start-up on a machine without sound: the mapper's code and reason
-// (through the platform's own drivers), and a program that runs on.
-TEST(FluidSynthPort, TheMapperOnAMachineWithoutSoundFailsThroughTheOutputLayer)
-{
-    if (machineHasSoundCard())
-        GTEST_SKIP() << "this machine has a sound card";
+    if (std::error_code ec; std::filesystem::exists("/dev/snd", ec))
+        return;  // this machine has a sound card
     resetMidiMainState();
-    EXPECT_EQ(getMidiDeviceId(), kMidiMapperId);
     EXPECT_EQ(reopenMidiOut(), kMidiOutNoDevice);
     EXPECT_EQ(midiOutFailureReason(), "no audio output device");
     midiNoteOn(0, 60, 50, 100);
-    midiOutReset();
-    EXPECT_EQ(closeMidiOut(), kMidiOutInvalidHandle);
-    EXPECT_EQ(listMidiOutDevices().at(0), (MidiOutDevice{-1, "MIDI Mapper"}));
     resetMidiMainState();
 }
 
@@ -93,17 +75,15 @@ TEST(FluidSynthPort, ABrokenSoundFontIsPassedOverBeforeTheOutputOpens)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     port.close();
 
-    setSoundFontOverride(soundFont);
+    // The learner's choice is looked at again at every open of the same output.
     FluidSynthPort chosen(fileDriver("", raw));
-    ASSERT_EQ(chosen.open(), kMidiOutOk);
-    EXPECT_EQ(chosen.notice(), "");
-    EXPECT_TRUE(chosen.waitUntilReady(20000));
-    chosen.close();
-    setSoundFontOverride(fake);
-    ASSERT_EQ(chosen.open(), kMidiOutOk);
-    EXPECT_NE(chosen.notice().find(fake), std::string::npos);
-    EXPECT_TRUE(chosen.waitUntilReady(20000));
-    chosen.close();
+    for (const std::string& choice : {soundFont, fake}) {
+        setSoundFontOverride(choice);
+        ASSERT_EQ(chosen.open(), kMidiOutOk);
+        EXPECT_EQ(chosen.notice().find(fake) != std::string::npos, choice == fake);
+        EXPECT_TRUE(chosen.waitUntilReady(20000));
+        chosen.close();
+    }
     setSoundFontOverride("");
     std::filesystem::remove(fake);
     std::filesystem::remove(raw);
@@ -155,11 +135,7 @@ TEST(FluidSynthPort, SilenceLetsTheAudioGoAndTheNextNoteBringsItBack)
     ASSERT_EQ(port.open(), kMidiOutOk);
     ASSERT_TRUE(port.waitUntilReady(20000));
 
-    struct Step {
-        int64_t advanceMs;
-        uint32_t send;  // 0: nothing
-        bool running;   // after the step and an idle check
-    };
+    struct Step { int64_t advanceMs; uint32_t send; bool running; };  // send 0: nothing; running: after an idle check
     const Step steps[] = {
         {2999, 0, true},          // not yet quiet long enough since the open
         {1, 0, false},            // now it is: let go

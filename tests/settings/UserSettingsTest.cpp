@@ -1,3 +1,4 @@
+#include "settings/TextNumbers.h"
 #include "settings/UserSettings.h"
 
 #include "tests/common/TempFolder.h"
@@ -9,6 +10,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <tuple>
 
 #include <fcntl.h>
@@ -19,6 +21,21 @@
 
 namespace tarabix {
 namespace {
+
+// Stored numbers and switches are plain decimal text: anything else is refused, never guessed at.
+TEST(TextNumbers, Int32AndBoolTexts)
+{
+    const std::pair<const char*, std::optional<int32_t>> ints[] = {
+        {" \t-12 ", -12}, {"+7", 7}, {"2.5", 2}, {"3.5", 4}, {"-0.5", 0}, {"2147483647", 2147483647}, {"-2147483648", INT32_MIN},
+        {"2147483648", std::nullopt}, {"", std::nullopt}, {"-", std::nullopt}, {".", std::nullopt}, {"1e3", std::nullopt},
+        {"0x10", std::nullopt}, {"12abc", std::nullopt}, {"1 2", std::nullopt}, {"1.2.3", std::nullopt}, {"+-1", std::nullopt}};
+    for (const auto& [text, expected] : ints)
+        EXPECT_EQ(textToInt32(text), expected) << text;
+    const std::pair<const char*, std::optional<bool>> bools[] = {{"True", true}, {"FALSE", false}, {" true ", true}, {"0", false},
+        {"-1", true}, {"0.0", false}, {"0.25", true}, {"yes", std::nullopt}, {"", std::nullopt}, {"Truex", std::nullopt}};
+    for (const auto& [text, expected] : bools)
+        EXPECT_EQ(textToBool(text), expected) << text;
+}
 
 // Settings over an INI file the test writes first, standing in for the per-user store.
 class UserSettingsTest : public ::testing::Test {
@@ -33,18 +50,6 @@ protected:
     test::TempFolder dir_{::testing::UnitTest::GetInstance()->current_test_info()->name()};
 };
 
-TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
-{
-    const UserSettings settings = open("");
-    const StartupOptions o = settings.loadStartup();
-    EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbPlayHilite, o.mkbDoubling), std::make_tuple(true, false, true, false));
-    EXPECT_EQ(std::make_tuple(o.mkbDblOn1MS, o.mkbDblOffMS, o.noteNamesType), std::make_tuple(5, 2, 0));
-    EXPECT_EQ(o.notesPres, (std::array<int32_t, 4>{1, 1, 1, 1}));
-    EXPECT_EQ(settings.udOrient(), 1);
-    EXPECT_EQ(settings.tuningICateg(), 0);
-    EXPECT_EQ(settings.synthLatencyMs(), 20);
-}
-
 TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)
 {
     const std::tuple<const char*, const char*, bool> cases[] = {
@@ -54,8 +59,16 @@ TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)
             << approxQrt << " " << hilite;
 }
 
-TEST_F(UserSettingsTest, UnreadableValueKeepsItsDefaultAndTheLoadGoesOn)
+// A fresh profile gives the built-in values; a value that cannot be read keeps its own and the
+// load goes on.
+TEST_F(UserSettingsTest, MissingAndUnreadableValuesGiveTheBuiltInOnes)
 {
+    const UserSettings fresh = open("");
+    const StartupOptions f = fresh.loadStartup();
+    EXPECT_EQ(std::make_tuple(f.approxQrt, f.playMouseMove, f.mkbPlayHilite, f.mkbDoubling), std::make_tuple(true, false, true, false));
+    EXPECT_EQ(std::make_tuple(f.mkbDblOn1MS, f.mkbDblOffMS, f.noteNamesType), std::make_tuple(5, 2, 0));
+    EXPECT_EQ(std::make_tuple(fresh.udOrient(), fresh.tuningICateg(), fresh.synthLatencyMs()), std::make_tuple(1, 0, 20));
+
     const UserSettings settings = open("[options]\napproxQrt=maybe\nPlayMouseMove=True\nMKB-dblOn1MS=fast\nMKB-dblOffMS=7\nNoteNamesType=1\n"
                                        "NotesPres_Rest_NoMaqam=2\nNotesPres_Play_NoMaqam=x\nNotesPres_Play_Maqam=4\nUdOrient=three\nTuningICateg=12\n");
     const StartupOptions o = settings.loadStartup();

@@ -62,21 +62,6 @@ TEST(Tunings, OctaveCaptions)
         EXPECT_EQ(octaveCaption(shift), caption);
 }
 
-TEST(Tunings, LookupByIndexAndId)
-{
-    mUdCtrl ud;
-    ASSERT_EQ(ud.loadTuningsText(kCF + "\r\n" + kUsualOud + "\r\n"), kTuningsLoaded);
-    int32_t id = 5, index = 9;
-    EXPECT_EQ(ud.tuningAt(0, 7, id), "Do - Fa - La - Re - Sol - Do");  // any non-zero system is solfège
-    EXPECT_EQ(id, 1);
-    EXPECT_EQ(ud.tuningAt(2, kNamesWestern, id), "");
-    EXPECT_EQ(id, -1);
-    EXPECT_EQ(ud.tuningById(3, kNamesWestern, index), "");
-    EXPECT_EQ(index, 9);  // no such id: untouched
-    EXPECT_EQ(ud.tuningById(0, kNamesWestern, index), "F2 - A2 - D3 - G3 - C4 - F4");
-    EXPECT_EQ(index, 1);
-}
-
 TEST(Tunings, ApplyTuning)
 {
     mUdCtrl ud;
