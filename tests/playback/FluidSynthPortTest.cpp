@@ -1,4 +1,5 @@
 #include "TestFiles.h"
+#include "playback/AudioDriverSettings.h"
 #include "playback/FluidSynthPort.h"
 #include "playback/SoundFontLocator.h"
 #include "playback/SynthDiagnostics.h"
@@ -82,39 +83,11 @@ TEST(FluidSynthPort, ABrokenSoundFontIsPassedOverBeforeTheOutputOpens)
         ASSERT_EQ(chosen.open(), kMidiOutOk);
         EXPECT_EQ(chosen.notice().find(fake) != std::string::npos, choice == fake);
         EXPECT_TRUE(chosen.waitUntilReady(20000));
-        chosen.close();
+        EXPECT_EQ(chosen.close(), kMidiOutOk);
     }
+    EXPECT_EQ(chosen.close(), kMidiOutInvalidHandle);
     setSoundFontOverride("");
     std::filesystem::remove(fake);
-    std::filesystem::remove(raw);
-}
-
-TEST(FluidSynthPort, PlaysWhatWasSentWhileTheSoundFontLoadedAndOpensAgainAfterAClose)
-{
-    const std::string soundFont = findSoundFont();
-    if (soundFont.empty())
-        GTEST_SKIP() << "no General MIDI SoundFont installed";
-    const std::string raw = scratchPath("live.raw");
-    {
-        // Destroyed while the SoundFont still loads: the loading thread must not outlive it.
-        FluidSynthPort early(fileDriver(soundFont, raw));
-        ASSERT_EQ(early.open(), kMidiOutOk);
-        early.send(0x643C90);
-    }
-    FluidSynthPort port(fileDriver(soundFont, raw));
-    for (int round = 0; round < 2; ++round) {
-        SCOPED_TRACE(round);
-        ASSERT_EQ(port.open(), kMidiOutOk);
-        EXPECT_EQ(port.failureReason(), "");
-        port.send(0xC0);
-        port.send(0x643C90);
-        EXPECT_TRUE(port.waitUntilReady(20000));
-        EXPECT_EQ(port.state(), FluidSynthPort::State::Ready);
-        port.send(0x3C80);
-        port.reset();
-        EXPECT_EQ(port.close(), kMidiOutOk);
-        EXPECT_EQ(port.close(), kMidiOutInvalidHandle);
-    }
     std::filesystem::remove(raw);
 }
 
@@ -126,6 +99,12 @@ TEST(FluidSynthPort, SilenceLetsTheAudioGoAndTheNextNoteBringsItBack)
     if (soundFont.empty())
         GTEST_SKIP() << "no General MIDI SoundFont installed";
     const std::string raw = scratchPath("idle.raw");
+    {
+        // Destroyed while the SoundFont still loads: the loading thread must not outlive it.
+        FluidSynthPort early(fileDriver(soundFont, raw));
+        ASSERT_EQ(early.open(), kMidiOutOk);
+        early.send(0x643C90);
+    }
     int64_t nowMs = 1000;
     FluidSynthPortOptions options = fileDriver(soundFont, raw);
     options.idlePauseMs = 3000;
@@ -166,6 +145,48 @@ TEST(FluidSynthPort, SilenceLetsTheAudioGoAndTheNextNoteBringsItBack)
     EXPECT_NE(port.outputDescription().find("resting while silent"), std::string::npos);
     port.close();
     std::filesystem::remove(raw);
+}
+
+bool hasInt(const AudioDriverSettings& s, const std::string& key, int value)
+{
+    return std::ranges::find(s.intSettings, std::pair<std::string, int>{key, value}) != s.intSettings.end();
+}
+
+TEST(AudioDriverSettings, EachDriverGetsTheBufferThatGivesTheLatency)
+{
+    struct Case { const char* driver; int latencyMs; double rate; int periodSize, periods; double bufferMs; };
+    const Case cases[] = {
+        // The server takes one period as the whole buffer: the period is the latency.
+        {"pulseaudio", 10, 44100, 441, 2, 10.0},
+        {"pulseaudio", 12, 48000, 576, 2, 12.0},
+        {"pulseaudio", 1, 44100, 132, 2, 132 / 44.1},      // below the range: 3 ms
+        {"pulseaudio", 900, 44100, 4410, 2, 100.0},        // above it: 100 ms
+        // Small periods, as many as fill the latency.
+        {"alsa", 10, 44100, 64, 7, 448 / 44.1},
+        {"alsa", 12, 44100, 128, 4, 512 / 44.1},
+        {"alsa", 3, 48000, 64, 2, 128 / 48.0},
+        {"file", 10, 44100, 64, 2, 64 / 44.1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.driver) + " " + std::to_string(c.latencyMs));
+        const AudioDriverSettings s = chooseAudioDriverSettings(c.driver, c.latencyMs, c.rate);
+        EXPECT_EQ(s.periodSize, c.periodSize);
+        EXPECT_EQ(s.periods, c.periods);
+        EXPECT_NEAR(s.bufferMs, c.bufferMs, 1e-9);
+        EXPECT_EQ(hasInt(s, "audio.pulseaudio.adjust-latency", 1), std::string(c.driver) == "pulseaudio");
+        // A time-stamped event needs a lead of at least one write of the synthesizer.
+        EXPECT_GE(s.burstMs + 1e-9, s.periodSize * 1000.0 / c.rate);
+    }
+}
+
+TEST(AudioDriverSettings, JackKeepsTheServersPeriodAndConnectsToTheSpeakers)
+{
+    const AudioDriverSettings s = chooseAudioDriverSettings("jack", 10, 48000);
+    EXPECT_EQ(s.bufferMs, 0.0);
+    EXPECT_TRUE(hasInt(s, "audio.jack.autoconnect", 1));
+    EXPECT_EQ(describeAudioOutput("jack", s, 48000), "jack, latency set by the server");
+    EXPECT_EQ(describeAudioOutput("pulseaudio", chooseAudioDriverSettings("pulseaudio", 10, 44100), 44100),
+              "pulseaudio, 10.0 ms (441 frames at 44100 Hz)");
 }
 
 }  // namespace
