@@ -1,5 +1,7 @@
 #include "MidiFixtures.h"
 
+#include "midi/MidiTrack.h"
+
 #include <vector>
 
 namespace tarabix {
@@ -97,7 +99,6 @@ TEST(MidiFileRead, StampsTicksAndMilliseconds)
         // Both change the tempo at tick 96: track 0 is stamped first, so track 2's tempo holds afterwards.
         {"equal ticks lowest track first", 96, {tempo250ms, kNoteAt96 + kNoteAt96, tempo1s}, 1, 1, 192, 1500},
         {"two-byte tempo", 1, {tempoEvent(0, bytes({0x01, 0x00})) + bytes({0x87, 0x68}) + kNote}, 0, 1, 1000, 256},
-        {"four-byte tempo", 96, {tempoEvent(0, bytes({0x00, 0x07, 0xA1, 0x20})) + kNoteAt96}, 0, 1, 96, 500},
         {"five-byte tempo", 96, {tempoEvent(0, bytes({0, 0x03, 0xD0, 0x90, 0x77})) + kNoteAt96}, 0, 1, 96, 250},
         {"half rounds down to even", 96, {tempo1ms + bytes({0x30}) + kNote}, 0, 1, 48, 0},
         {"half rounds up to even", 96, {tempo1ms + bytes({0x81, 0x10}) + kNote}, 0, 1, 144, 2},
@@ -130,64 +131,19 @@ TEST(MidiFileRead, FailureKeepsTracksReadSoFarWithoutTimes)
     EXPECT_TRUE(file.tracks(2) == nullptr && file.tracks(-1) == nullptr);
 }
 
-TEST(MidiFile, ClearSetNTracksCopyAndLength)
+TEST(MidiFile, SetNTracksKeepsTrackZeroAndTheLengthFollowsTheTracks)
 {
     MidiFile file;
     file.tracks(0)->c_addTextE(0, "kept");
     file.setNTracks(3);
-    EXPECT_EQ(eDataOf(*file.tracks(0)), std::vector<std::string>{bytes({0x01, 'k', 'e', 'p', 't'})});
+    EXPECT_EQ(file.tracks(0)->trkNEvents(), 1);
     file.tracks(2)->c_addNoteOnE(2500, 0, 60, 1);
     file.tracks(1)->c_addNoteOnE(1000, 0, 60, 1);
     ASSERT_EQ(file.setEvtsAbsMSecs(), 0);
-    MidiFile copy;
-    copy.copyFrom(file);
-    EXPECT_EQ(copy.numOfTracks(), 3);
-    EXPECT_EQ(copy.allLastAbsMSec(), 2500);
-    EXPECT_EQ(eDataOf(*copy.tracks(0)), eDataOf(*file.tracks(0)));
-
+    EXPECT_EQ(file.allLastAbsMSec(), 2500);
     expectMidiError([&] { file.setNTracks(0); }, midierr::kSubscriptOutOfRange);
     file.setNTracks(2);
     EXPECT_EQ(file.allLastAbsMSec(), 1000);
-    file.setMidiFileFormat(0);
-    file.clear();
-    EXPECT_EQ(file.numOfTracks() + file.midiFileFormat(), 2);
-    EXPECT_EQ(file.tracks(0)->trkNEvents() + file.allLastAbsMSec(), 0);
-}
-
-TEST(MidiFile, Make1TrackMidiMergesByTickThenTrack)
-{
-    MidiFile file;
-    file.setMidiHdrDivision(96);
-    file.setNTracks(3);
-    file.tracks(0)->c_addNoteOnE(10, 0, 1, 1);
-    file.tracks(0)->c_addNoteOnE(0, 0, 2, 1);
-    file.tracks(2)->c_addNoteOnE(5, 2, 3, 1);
-    file.tracks(2)->c_addNoteOnE(5, 2, 4, 1);
-    file.tracks(1)->c_addNoteOnE(10, 1, 5, 1);
-    ASSERT_EQ(file.setEvtsAbsMSecs(), 0);
-    const MidiTrack merged = file.make1TrackMidi();
-    EXPECT_EQ(eDataOf(merged), (std::vector<std::string>{bytes({0x92, 3, 1}), bytes({0x90, 1, 1}), bytes({0x90, 2, 1}),
-                                                                bytes({0x91, 5, 1}), bytes({0x92, 4, 1})}));
-    EXPECT_EQ(deltasOf(merged), (std::vector<int32_t>{5, 10, 0, 10, 5}));
-}
-
-TEST(MidiFile, YieldHookRunsEveryFewThousandEventsNotPerEvent)
-{
-    MidiFile file;
-    file.setMidiHdrDivision(96);
-    constexpr int kEvents = 100000;
-    for (int i = 0; i < kEvents; ++i)
-        file.tracks(0)->c_addNoteOnE(1, 0, 60, 1);
-    int calls = 0;
-    file.setYieldHook([&] { ++calls; }, 0);
-    ASSERT_EQ(file.setEvtsAbsMSecs(), 0);
-    EXPECT_GE(calls, 1);
-    EXPECT_LE(calls, kEvents / 1000);
-
-    calls = 0;
-    file.setYieldHook([&] { ++calls; }, 60000);
-    ASSERT_EQ(file.setEvtsAbsMSecs(), 0);
-    EXPECT_EQ(calls, 0);
 }
 
 TEST(MidiFile, ReadMidiFileSwallowsAnOpenFailureOnly)
@@ -200,9 +156,69 @@ TEST(MidiFile, ReadMidiFileSwallowsAnOpenFailureOnly)
 
     EXPECT_EQ(file.readMidiFile(dir / "missing.mid"), -2147220479);  // created empty, so too short
 
-    EXPECT_EQ(file.readMidiFile(dir.write("piece.mid", header(0, 1, 96) + trackChunk(kNoteAt96 + kEndOfTrack))), 0);
-    EXPECT_EQ(file.numOfTracks(), 1);
-    EXPECT_EQ(file.allLastAbsMSec(), 500);
+    // A second read into the same piece starts afresh.
+    const std::string piece = dir.write("piece.mid", header(0, 1, 96) + trackChunk(kNoteAt96 + kEndOfTrack));
+    for (int read = 0; read < 2; ++read) {
+        EXPECT_EQ(file.readMidiFile(piece), 0);
+        EXPECT_EQ(file.numOfTracks() + file.tracks(0)->trkNEvents(), 3);
+        EXPECT_EQ(file.allLastAbsMSec(), 500);
+    }
+}
+
+TEST(ReadTrk, GivesStatusAndEvents)
+{
+    const std::string on = bytes({0x90, 0x3C, 0x40});
+    const std::string end = bytes({0x2F});
+    struct Case { const char* name; std::string chunk; int32_t status; std::vector<std::string> eData; };
+    const Case cases[] = {
+        {"only end of track", trackChunk(kEndOfTrack), 0, {end}},
+        {"running status", trackChunk(bytes({0}) + on + bytes({0, 0x3E, 0x40})), 0, {on, bytes({0x90, 0x3E, 0x40})}},
+        {"nothing after end of track", trackChunk(kEndOfTrack + bytes({0x00, 0x90, 0x3C, 0x40, 0xF4})), 0, {end}},
+        {"escape packet dropped", trackChunk(bytes({0x00, 0xF7, 0x02, 0x01, 0x02, 0x00, 0x90, 0x3C, 0x40})), 0, {on}},
+        {"sysex kept", trackChunk(bytes({5, 0xF0, 3, 0x7E, 0x7F, 0xF7})), 0, {bytes({0xF0, 0x7E, 0x7F, 0xF7})}},
+        {"program change and pressure take one byte", trackChunk(bytes({0, 0xC1, 0x05, 0, 0x07, 0, 0xD2, 0x33})), 0,
+         {bytes({0xC1, 0x05, 0x00}), bytes({0xC1, 0x07, 0x00}), bytes({0xD2, 0x33, 0x00})}},
+        {"longest delta", trackChunk(bytes({0x87, 0xFF, 0xFF, 0xFF, 0x7F, 0x90, 0x3C, 0x40})), 0, {on}},
+        {"wrong chunk id", "MTRK" + bigEndian32(4) + kEndOfTrack, -1, {}},
+        {"zero length", "MTrk" + bigEndian32(0), -2, {}},
+        {"negative length", "MTrk" + bigEndian32(0x80000000u), -2, {}},
+        {"chunk longer than the input", "MTrk" + bigEndian32(0x7FFFFFF0u) + kEndOfTrack, -2147220479, {}},
+        {"data without running status", trackChunk(bytes({0x00, 0x3C, 0x40})), -4, {}},
+        {"data after meta event", trackChunk(bytes({0}) + on + bytes({0, 0xFF, 1, 1, 0x41, 0, 0x3E, 0x40})), -5,
+         {on, bytes({0x01, 0x41})}},
+        {"data after sysex", trackChunk(bytes({0x00, 0xF0, 0x01, 0xF7, 0x00, 0x3E, 0x40})), -5, {bytes({0xF0, 0xF7})}},
+        {"unknown status", trackChunk(bytes({0x00, 0xF4})), -5, {}},
+        {"event past chunk", trackChunk(bytes({0x00, 0x90, 0x3C})), 5, {}},
+        {"meta longer than chunk", trackChunk(bytes({0x00, 0xFF, 0x01, 0x05, 0x41})), 5, {}},
+        {"delta cut off", trackChunk(bytes({0}) + on + bytes({0x81})), 5, {on}},
+        {"delta beyond 32 bits", trackChunk(bytes({0x88, 0x80, 0x80, 0x80, 0x00, 0x90, 0x3C, 0x40})), 6, {}},
+        {"program above 127", trackChunk(bytes({0x00, 0xC0, 0x90})), 9, {bytes({0xC0, 0x90, 0x00})}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        StringStreamIn stream;
+        stream.setFromString(c.chunk + "tail");
+        MidiTrack track;
+        EXPECT_EQ(track.readTrk(stream), c.status);
+        if (c.status == 0) {
+            EXPECT_EQ(stream.currentPos(), static_cast<int32_t>(c.chunk.size()));
+        }
+        EXPECT_EQ(eDataOf(track), c.eData);
+        if (c.eData.empty()) {
+            EXPECT_EQ(track.trkEventsArrSize(), 0) << "nothing allocated for a chunk without events";
+        }
+    }
+}
+
+TEST(ReadTrk, ProgramChangeFlagsItsProgramAndChannel)
+{
+    StringStreamIn stream;
+    stream.setFromString(trackChunk(bytes({0x00, 0xC5, 0x10}) + kEndOfTrack));
+    MidiTrack track;
+    ASSERT_EQ(track.readTrk(stream), 0);
+    EXPECT_TRUE(track.trkActInstrs(0x10) && track.trkChannels(5) && track.trkNChannels() == 1);
+    EXPECT_EQ(track.events()[0].eType, MidiEvent::kChannelMessage);
+    EXPECT_EQ(track.events()[1].eType, MidiEvent::kMeta);
 }
 
 }  // namespace

@@ -12,7 +12,8 @@ namespace {
 using Words = std::vector<uint32_t>;
 
 // An output whose open gives its device's code of the moment, so a device can be unplugged in the
-// middle of a piece; what is sent to it while it is gone is lost.
+// middle of a piece; what is sent to it while it is gone is lost. Each message keeps the due time
+// it came with (-1: none).
 class TestPort final : public MidiOutPort {
 public:
     TestPort(std::shared_ptr<MidiRecording> recording, std::shared_ptr<int32_t> code)
@@ -25,10 +26,11 @@ public:
         return *m_code;
     }
     int32_t close() override { return std::exchange(m_open, false) ? kMidiOutOk : kMidiOutInvalidHandle; }
-    void send(uint32_t message) override
+    void send(uint32_t message) override { sendAt(message, -1); }
+    void sendAt(uint32_t message, int32_t dueMs) override
     {
         if (m_open && *m_code == kMidiOutOk)
-            m_recording->add({0, message});
+            m_recording->add({dueMs, message});
     }
     std::string failureReason() const override { return *m_code == kMidiOutOk ? "" : "the device is gone"; }
 
@@ -90,14 +92,10 @@ TEST_F(MidiMainTest, NoteOnSendsThePitchWheelOnlyWhenTheChannelsShiftChanges)
 
 TEST_F(MidiMainTest, PitchWheelWordsForShiftsInCents)
 {
-    struct Case {
-        int ch;
-        int32_t cents;
-        uint32_t word;
-    };
+    struct Case { int ch; int32_t cents; uint32_t word; };
     const Case cases[] = {
-        {0, 50, 0x5000E0},   {0, -50, 0x3000E0}, {0, 0, 0x4000E0},   {15, 100, 0x6000EF},
-        {2, -200, 0x0000E2}, {1, 199, 0x7F57E1}, {0, 150, 0x7000E0}, {0, -150, 0x1000E0},
+        {0, 50, 0x5000E0}, {0, -50, 0x3000E0}, {0, 0, 0x4000E0}, {15, 100, 0x6000EF}, {2, -200, 0x0000E2},
+        {1, 199, 0x7F57E1}, {0, 150, 0x7000E0}, {0, -150, 0x1000E0},
         {4, 200, 0x7F7FE4},  // a piece's wheel at its top: still a wheel message, not a data byte 0x80
     };
     openQuietly();
@@ -122,6 +120,12 @@ TEST_F(MidiMainTest, ReopenGivesEveryChannelItsProgramAndWheelInOrderAndCloseSil
         EXPECT_EQ(sent[2 * ch], 0xC0 + ch);
         EXPECT_EQ(sent[2 * ch + 1], (ch == 5 ? 0x300000u : 0x400000u) + 0xE0 + ch);
     }
+    // A reset lifts the sustain pedal before all notes off, or held notes ring on.
+    midiOutReset();
+    const Words reset = take();
+    ASSERT_EQ(reset.size(), 32u);
+    EXPECT_EQ(std::make_pair(reset[0], reset[1]), std::make_pair(0x40B0u, 0x7BB0u));
+    EXPECT_EQ(std::make_pair(reset[30], reset[31]), std::make_pair(0x40BFu, 0x7BBFu));
 
     EXPECT_EQ(closeMidiOut(), kMidiOutOk);
     EXPECT_EQ(closeMidiOut(), kMidiOutInvalidHandle);
@@ -143,40 +147,6 @@ TEST_F(MidiMainTest, UnusableDeviceReturnsItsCodeAndSendsNothing)
     setMidiDeviceId(kMidiMapperId);
     EXPECT_EQ(reopenMidiOut(), kMidiOutOk);
     EXPECT_TRUE(midiOutFailureReason().empty());
-}
-
-TEST_F(MidiMainTest, ResetSendsSustainOffThenAllNotesOffOnEveryChannel)
-{
-    openQuietly();
-    midiOutReset();
-    const Words words = take();
-    ASSERT_EQ(words.size(), 32u);
-    for (uint32_t ch = 0; ch < 16; ++ch) {
-        EXPECT_EQ(words[2 * ch], 0x40B0 + ch);
-        EXPECT_EQ(words[2 * ch + 1], 0x7BB0 + ch);
-    }
-}
-
-TEST_F(MidiMainTest, DeviceListStartsWithTheMapper)
-{
-    EXPECT_EQ(listMidiOutDevices(), (std::vector<MidiOutDevice>{{-1, "MIDI Mapper"}, {0, "Port A"}, {1, "Port B"}}));
-}
-
-TEST_F(MidiMainTest, OwnOutputForTheDeviceDialogLeavesTheSharedOneAlone)
-{
-    openQuietly();
-    int32_t result = -1;
-    std::string reason;
-    EXPECT_EQ(openMidiOutDevice(1, result, &reason), nullptr);
-    EXPECT_EQ(result, kMidiOutAllocated);
-    EXPECT_FALSE(reason.empty());
-
-    std::unique_ptr<MidiOutPort> own = openMidiOutDevice(0, result);
-    ASSERT_NE(own, nullptr);
-    EXPECT_EQ(result, kMidiOutOk);
-    own->send(0xC0);
-    midiNoteOff(0, 60);
-    EXPECT_EQ(take(), (Words{0xC0, 0x3C80}));
 }
 
 // The device goes away in the middle of a piece and comes back: playing on does no harm, the
@@ -211,43 +181,9 @@ TEST_F(MidiMainTest, DeviceLostWhilePlayingComesBackWithTheShiftsReachedMeanwhil
     EXPECT_EQ(take(), (Words{0x644090}));
 }
 
-TEST(NearestQuarterTone, TakesCentsToMultiplesOf50WithPlus25GoingUp)
+TEST_F(MidiMainTest, APiecesDueTimeTravelsWithEveryMessageOfItsEvent)
 {
-    const std::pair<int32_t, int32_t> cases[] = {
-        {0, 0},     {25, 50},   {-25, 0},  {24, 0},     {26, 50},   {-26, -50}, {-24, 0},   {50, 50},  {-50, -50},
-        {-200, -200}, {200, 200}, {100, 100}, {75, 100}, {-75, -50}, {-76, -100}, {1, 0},   {-1, 0},   {175, 200},
-    };
-    for (const auto& [cents, quarterTone] : cases)
-        EXPECT_EQ(nearestQuarterTone(cents), quarterTone) << cents;
-}
-
-}  // namespace
-}  // namespace tarabix
-
-namespace tarabix {
-namespace {
-
-// An output that keeps each message with the due time it came with (-1: none).
-class StampPort final : public MidiOutPort {
-public:
-    explicit StampPort(std::vector<std::pair<uint32_t, int32_t>>& sent) : m_sent(sent) {}
-    int32_t open() override { return kMidiOutOk; }
-    int32_t close() override { return kMidiOutOk; }
-    void send(uint32_t message) override { m_sent.emplace_back(message, -1); }
-    void sendAt(uint32_t message, int32_t dueMs) override { m_sent.emplace_back(message, dueMs); }
-
-private:
-    std::vector<std::pair<uint32_t, int32_t>>& m_sent;
-};
-
-TEST(MidiMain, APiecesDueTimeTravelsWithEveryMessageOfItsEvent)
-{
-    std::vector<std::pair<uint32_t, int32_t>> sent;
-    resetMidiMainState();
-    setMidiOutBackend({[] { return std::vector<std::string>{}; },
-                       [&sent](int32_t) { return std::make_unique<StampPort>(sent); }});
-    ASSERT_EQ(reopenMidiOut(), kMidiOutOk);
-    sent.clear();
+    openQuietly();
     {
         const MidiOutDueTime due(1234);
         midiNoteOn(0, 60, 50, 100);
@@ -258,10 +194,18 @@ TEST(MidiMain, APiecesDueTimeTravelsWithEveryMessageOfItsEvent)
         midiNoteOff(0, 60);
     }
     midiNoteOn(1, 62, 0, 90);  // by hand: no due time
-    const std::vector<std::pair<uint32_t, int32_t>> expected = {
-        {0x5000E0, 1234}, {0x643C90, 1234}, {0x10C0, 1300}, {0x3C80, 1234}, {0x5A3E91, -1}};
-    EXPECT_EQ(sent, expected);
-    resetMidiMainState();
+    EXPECT_EQ(m_recording->messages(),
+              (std::vector<RecordedMessage>{{1234, 0x5000E0}, {1234, 0x643C90}, {1300, 0x10C0}, {1234, 0x3C80}, {-1, 0x5A3E91}}));
+}
+
+TEST(NearestQuarterTone, TakesCentsToMultiplesOf50WithPlus25GoingUp)
+{
+    const std::pair<int32_t, int32_t> cases[] = {
+        {0, 0},     {25, 50},   {-25, 0},  {24, 0},     {26, 50},   {-26, -50}, {-24, 0},   {50, 50},  {-50, -50},
+        {-200, -200}, {200, 200}, {100, 100}, {75, 100}, {-75, -50}, {-76, -100}, {1, 0},   {-1, 0},   {175, 200},
+    };
+    for (const auto& [cents, quarterTone] : cases)
+        EXPECT_EQ(nearestQuarterTone(cents), quarterTone) << cents;
 }
 
 // The window delays a piece's marks by what the open output says: the built-in synthesizer's

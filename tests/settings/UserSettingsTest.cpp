@@ -1,3 +1,4 @@
+#include "settings/TextNumbers.h"
 #include "settings/UserSettings.h"
 
 #include "tests/common/TempFolder.h"
@@ -8,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <tuple>
 #include <vector>
 
@@ -19,6 +21,21 @@
 
 namespace tarabix {
 namespace {
+
+// Stored numbers and switches are plain decimal text: anything else is refused, never guessed at.
+TEST(TextNumbers, Int32AndBoolTexts)
+{
+    const std::pair<const char*, std::optional<int32_t>> ints[] = {
+        {" \t-12 ", -12}, {"+7", 7}, {"2.5", 2}, {"3.5", 4}, {"-0.5", 0}, {"2147483647", 2147483647}, {"-2147483648", INT32_MIN},
+        {"2147483648", std::nullopt}, {"", std::nullopt}, {"-", std::nullopt}, {".", std::nullopt}, {"1e3", std::nullopt},
+        {"0x10", std::nullopt}, {"12abc", std::nullopt}, {"1 2", std::nullopt}, {"1.2.3", std::nullopt}, {"+-1", std::nullopt}};
+    for (const auto& [text, expected] : ints)
+        EXPECT_EQ(textToInt32(text), expected) << text;
+    const std::pair<const char*, std::optional<bool>> bools[] = {{"True", true}, {"FALSE", false}, {" true ", true}, {"0", false},
+        {"-1", true}, {"0.0", false}, {"0.25", true}, {"yes", std::nullopt}, {"", std::nullopt}, {"Truex", std::nullopt}};
+    for (const auto& [text, expected] : bools)
+        EXPECT_EQ(textToBool(text), expected) << text;
+}
 
 // Settings over an INI file the test writes first, standing in for the per-user store.
 class UserSettingsTest : public ::testing::Test {
@@ -35,19 +52,10 @@ protected:
     test::TempFolder m_dir{::testing::UnitTest::GetInstance()->current_test_info()->name()};
 };
 
-TEST_F(UserSettingsTest, FreshProfileGivesTheBuiltInValues)
+// The window shows a fresh profile's notes as a bare NotePresentation does: names everywhere.
+TEST_F(UserSettingsTest, AFreshProfileShowsNotesAsABareNotePresentation)
 {
-    const UserSettings settings = open("");
-    const StartupOptions o = settings.loadStartup();
-    EXPECT_EQ(std::make_tuple(o.approxQrt, o.playMouseMove, o.mkbPlayHilite, o.mkbDoubling), std::make_tuple(true, false, true, false));
-    EXPECT_EQ(std::make_tuple(o.mkbDblOn1MS, o.mkbDblOffMS), std::make_tuple(5, 2));
-    // A fresh profile shows what a bare NotePresentation does: names everywhere, C D E.
-    EXPECT_EQ(settings.notePresentation(), NotePresentation{});
-    EXPECT_EQ(NotePresentation{},
-              (NotePresentation{.restNoMaqam = 1, .restMaqam = 1, .playNoMaqam = 1, .playMaqam = 1, .nameSystem = 0}));
-    EXPECT_EQ(settings.udOrient(), 1);
-    EXPECT_EQ(settings.tuningICateg(), 0);
-    EXPECT_EQ(settings.synthLatencyMs(), 20);
+    EXPECT_EQ(open("").notePresentation(), NotePresentation{});
 }
 
 TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)
@@ -59,8 +67,16 @@ TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)
             << approxQrt << " " << hilite;
 }
 
-TEST_F(UserSettingsTest, UnreadableValueKeepsItsDefaultAndTheLoadGoesOn)
+// A fresh profile gives the built-in values; a value that cannot be read keeps its own and the
+// load goes on.
+TEST_F(UserSettingsTest, MissingAndUnreadableValuesGiveTheBuiltInOnes)
 {
+    const UserSettings fresh = open("");
+    const StartupOptions f = fresh.loadStartup();
+    EXPECT_EQ(std::make_tuple(f.approxQrt, f.playMouseMove, f.mkbPlayHilite, f.mkbDoubling), std::make_tuple(true, false, true, false));
+    EXPECT_EQ(std::make_tuple(f.mkbDblOn1MS, f.mkbDblOffMS, f.noteNamesType), std::make_tuple(5, 2, 0));
+    EXPECT_EQ(std::make_tuple(fresh.udOrient(), fresh.tuningICateg(), fresh.synthLatencyMs()), std::make_tuple(1, 0, 20));
+
     const UserSettings settings = open("[options]\napproxQrt=maybe\nPlayMouseMove=True\nMKB-dblOn1MS=fast\nMKB-dblOffMS=7\nNoteNamesType=1\n"
                                        "NotesPres_Rest_NoMaqam=2\nNotesPres_Play_NoMaqam=x\nNotesPres_Play_Maqam=4\nUdOrient=three\nTuningICateg=12\n");
     const StartupOptions o = settings.loadStartup();
@@ -71,25 +87,16 @@ TEST_F(UserSettingsTest, UnreadableValueKeepsItsDefaultAndTheLoadGoesOn)
     EXPECT_EQ(settings.tuningICateg(), 12);
 }
 
-TEST_F(UserSettingsTest, ChangesAreStoredAsTextAtOnce)
+// Changes reach the file at once (the window's tests read the switches and numbers back); a
+// SoundFont path keeps every character.
+TEST_F(UserSettingsTest, ChangesAreStoredAtOnce)
 {
     UserSettings settings = open("");
-    settings.setBool(Setting::ApproxQrt, false);
-    settings.setBool(Setting::MkbDoubling, true);
-    settings.setInt(Setting::UdOrient, 3);
-    settings.setInt(Setting::TuningICateg, -2);
     EXPECT_EQ(settings.textValue(Setting::SoundFontFile), "");
+    settings.setInt(Setting::TuningICateg, -2);
     const std::string soundFont = "/home/learner/My SoundFonts/عود, ney=1.sf2";
     settings.setText(Setting::SoundFontFile, soundFont);
-    // Read from the file while the store is still open: nothing waits for the program to exit.
-    const std::string text = stored();
-    for (const char* line : {"[options]\n", "approxQrt=False\n", "MKB-Doubling=True\n", "UdOrient=3\n", "TuningICateg=-2\n"})
-        EXPECT_NE(text.find(line), std::string::npos) << line;
-
-    const UserSettings reopened = open(text);
-    EXPECT_FALSE(reopened.loadStartup().approxQrt);
-    EXPECT_TRUE(reopened.boolValue(Setting::MkbDoubling));
-    EXPECT_EQ(reopened.udOrient(), 3);
+    const UserSettings reopened = open(stored());  // read while the store is still open
     EXPECT_EQ(reopened.tuningICateg(), -2);
     EXPECT_EQ(reopened.textValue(Setting::SoundFontFile), soundFont);
 }

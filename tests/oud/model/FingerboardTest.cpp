@@ -42,15 +42,6 @@ TEST_F(Fingerboard, PositionTable)
     EXPECT_EQ(ud.highestNote(), 72);
 }
 
-TEST_F(Fingerboard, Fingers)
-{
-    const std::tuple<int32_t, bool, int32_t> cases[] = {
-        {45, false, 0}, {45, true, 1}, {60, false, 0}, {61, false, 1}, {62, false, 2}, {63, false, 3}, {63, true, 4},
-        {72, false, 4}, {40, false, -1}, {73, false, -1}, {-3, false, -1}, {200, false, -1}};
-    for (const auto& [note, quarter, finger] : cases)
-        EXPECT_EQ(ud.fingerFor(note, quarter), finger) << note << (quarter ? " + quarter" : "");
-}
-
 TEST_F(Fingerboard, ClickOnANutGivesTheOpenStringInEveryOrientation)
 {
     for (int32_t orient = 0; orient < 4; ++orient) {

@@ -1,4 +1,5 @@
 #include "base/ReadWholeFile.h"
+#include "oud/model/NoteNames.h"
 #include "oud/model/mMaqams.h"
 #include "tests/common/TempFolder.h"
 
@@ -86,8 +87,6 @@ TEST_F(MaqamsTest, SelectingMovesTheDegreesToTheTonicAndRespells)
     EXPECT_EQ(maqams.curMaqam().ipc, (DegreeValues{2, 4, 6, 7, 9, 11, 1}));
     EXPECT_EQ(maqams.curMaqam().cents, maqams.maqamAt(1)->cents);
     EXPECT_EQ(maqams.maqamAt(1)->ipc[0], 0);
-    EXPECT_EQ(maqams.curDegreeOf(6), 2);
-    EXPECT_EQ(maqams.curDegreeOf(5), -1);
     // C sharp and F sharp have no degree under them; E flat, A flat, B flat do.
     const std::pair<size_t, SpelledNote> blackKeys[] = {{1, {0, kSharp}}, {3, {2, kFlat}}, {6, {3, kSharp}}, {8, {5, kFlat}}, {10, {6, kFlat}}};
     for (const auto& [semitone, spelling] : blackKeys) {
@@ -99,7 +98,6 @@ TEST_F(MaqamsTest, SelectingMovesTheDegreesToTheTonicAndRespells)
     for (const int32_t none : {0, -1, 4}) {
         maqams.selectMaqam(none, 0);
         EXPECT_FALSE(maqams.isMaqamSelected()) << none;
-        EXPECT_EQ(maqams.curDegreeOf(0), -1);
     }
 }
 
@@ -141,6 +139,30 @@ TEST_F(MaqamsTest, MarkersNameAMaqamAndATonic)
     EXPECT_EQ(maqams.curMaqam().ipc[0], 0);
     EXPECT_FALSE(maqams.applyMaqamMarker("Q:Rast/12"));
     EXPECT_EQ(maqams.curMaqamIndex(), 1);  // an ignored marker changes nothing
+}
+
+// Names as the tonic list shows them: letters in either system, sharps or flats by the maqam's
+// seventh, quarter-tone signs for a tonic off the semitones.
+TEST(NoteNames, SpellTonicsChoosesSharpsFlatsAndQuarterSigns)
+{
+    EXPECT_EQ(noteLetterName(7, kNamesSolfege) + noteLetterName(0, 2) + noteLetterName(-1, kNamesWestern), "");
+    struct Case { int32_t cents, seventhToOctave; int step; int32_t system; const char* name; };
+    const Case cases[] = {
+        {0, 2, 1, kNamesWestern, "C #"}, {0, 2, 1, kNamesSolfege, "Do #"},
+        {0, 2, 10, kNamesWestern, "A #"}, {0, 2, 0, kNamesWestern, "C"}, {0, 2, 11, kNamesSolfege, "Si"},
+        {0, 1, 10, kNamesWestern, "B b"}, {0, 1, 10, kNamesSolfege, "Si b"}, {0, 1, 1, kNamesWestern, "D b"},
+        {50, 2, 3, kNamesWestern, "E -"}, {50, 2, 4, kNamesSolfege, "Mi +"}, {-50, 2, 7, kNamesWestern, "G -"},
+        // Halfway between quarter-tone counts the even count wins: 25 -> 0, 75 -> 2; 70 -> 1.
+        {25, 2, 1, kNamesWestern, "C #"}, {70, 2, 3, kNamesWestern, "E -"},
+        // Two or more quarter tones: the naturals carry the count as their code, the black keys
+        // stay unspelled (letter C, natural).
+        {75, 2, 2, kNamesWestern, "D #"}, {75, 2, 3, kNamesWestern, "C"},
+        {150, 2, 2, kNamesWestern, "D"}, {-100, 1, 10, kNamesWestern, "C"},
+    };
+    for (const Case& c : cases) {
+        const SpelledNote note = spellTonics(c.cents, c.seventhToOctave)[static_cast<size_t>(c.step)];
+        EXPECT_EQ(spelledNoteName(note, c.system), c.name) << "cents " << c.cents << " interval " << c.seventhToOctave << " step " << c.step;
+    }
 }
 
 // Degrees as cents above the tonic must rise in steps a learner can play, and stay in the octave.

@@ -14,51 +14,6 @@ int64_t centsOf(int32_t note, int32_t cents) { return int64_t{100} * note + cent
 
 void loadShippedTunings(mUdCtrl& ud) { ASSERT_EQ(ud.loadTunings(TARABIX_SOURCE_DIR "/data/tunings.ini"), kTuningsLoaded); }
 
-// The table an oud strung lowest string first has always had: strings written in order, a later
-// string overwriting an earlier one wherever both reach a pitch; strings outside it left out.
-std::array<PositionEntry, kPositionCount> tableWrittenInStringOrder(const mUdCtrl& ud)
-{
-    std::array<PositionEntry, kPositionCount> table{};
-    for (int32_t s = 0; s < ud.curNumStrings(); ++s) {
-        const size_t si = static_cast<size_t>(s);
-        if (ud.curStringPitch()[si] < 0 || 2 * ud.curStringPitch()[si] + kZoneQuarterTones >= kPositionCount)
-            continue;
-        for (int32_t j = 0; j <= kZoneQuarterTones; ++j) {
-            const PicPoint p = stopPoint(ud.curStringA()[si], ud.curStringB()[si], j);
-            table[static_cast<size_t>(2 * ud.curStringPitch()[si] + j)] = {p.x, p.y, s};
-        }
-    }
-    return table;
-}
-
-TEST(FingerboardPlaces, TuningsStrungInAscendingOrderKeepTheirTablesAndRange)
-{
-    mUdCtrl ud;
-    loadShippedTunings(ud);
-    std::vector<TuningRec> tunings = ud.tunings();
-    tunings.push_back(builtInTuning());  // every string on one pitch: the top string keeps them all
-    int32_t checked = 0;
-    for (const TuningRec& rec : tunings) {
-        const auto strings = rec.stringPitch.begin() + rec.numStrings;
-        if (!std::is_sorted(rec.stringPitch.begin(), strings))
-            continue;
-        if (rec == builtInTuning())
-            ud.setDefaultTuning();
-        for (const int32_t octave : {-1, 0, 1}) {
-            ud.applyTuning(rec.id, octave);
-            for (int32_t view = 0; view < 4; ++view) {
-                ud.setOrientation(view, true);
-                EXPECT_TRUE(ud.posTable() == tableWrittenInStringOrder(ud)) << rec.name << " octave " << octave << " view " << view;
-            }
-            const size_t top = static_cast<size_t>(rec.numStrings - 1);
-            EXPECT_EQ(std::make_tuple(ud.lowestNote(), ud.lowestCents(), ud.highestNote(), ud.highestCents()),
-                      std::make_tuple(ud.curStringPitch()[0], ud.curStringCents()[0], ud.curStringPitch()[top] + 7, ud.curStringCents()[top]));
-        }
-        ++checked;
-    }
-    EXPECT_GE(checked, 10);
-}
-
 TEST(FingerboardPlaces, BassStringBesideTheHighestCourse)
 {
     mUdCtrl ud;

@@ -40,10 +40,8 @@ TEST(UdDisplay, AMarkIsCentredOnThePointOfItsPitch)
         {72, 0, kStringEnd[5]},                         // seventh semitone on the top string
         {45, 0, kStringNut[1]},                         // A2 goes to string 1, not string 0
         {50, 50, {quarterAbove.x, quarterAbove.y}},     // the quarter tone above uses its own table entry
-        {51, -50, {quarterAbove.x, quarterAbove.y}},    // and so does the quarter tone below the next note
         {52, -50, shiftedPoint(2, 150.0)},              // E half-flat: three quarter tones up the D string
         {50, 25, shiftedPoint(2, 25.0)},                // shifts off the quarter-tone grid
-        {52, 75, shiftedPoint(2, 275.0)},
         {55, -30, shiftedPoint(2, 470.0)},              // nearest quarter tone 54.5 is on the D string
         {50, -10, shiftedPoint(1, 490.0)},              // just under the open D: on the A string
     };
@@ -161,33 +159,26 @@ TEST(UdDisplay, NoteOnDrawsByPlayModeAndReportsTheRangeSide)
     }
 }
 
-TEST(UdDisplay, RestingRastOnCMarksItsSevenDegreesOnly)
+// The resting picture holds a mark at each place of the scale and nothing anywhere else.
+TEST(UdDisplay, RestingMarksAreDrawnAtTheScalesPlacesOnly)
 {
     Rig rig;
     const RestingScale rast{true, {0, 2, 4, 5, 7, 9, 11}, {0, 0, -50, 0, 0, 0, -50}};
     rig.display.setPresentation({.restMaqam = kPresCircles});
     rig.display.setRestingScale(rast);
     rig.display.redrawResting();
-
-    // Each degree at the table entry of the quarter tone it sounds: E half-flat at 2 x E - 1.
-    std::vector<PicPoint> expected;
-    for (int32_t k = 0; k < 10; ++k) {
-        for (size_t d = 0; d < 7; ++d) {
-            const PositionEntry e = rig.model.positionAt(2 * (rast.pitchClass[d] + 12 * k) + rast.cents[d] / 50);
-            if (e.playable())
-                expected.push_back({e.x, e.y});
-        }
-    }
-    ASSERT_GT(expected.size(), 10u);
     const QImage& shown = rig.display.picUd();
     const QImage& clean = rig.display.picUdCloneUnmarked();
     EXPECT_EQ(shown, rig.display.picUdClone());
+    const std::vector<RestingMark> marks = restingMarks(rig.model, rast);
+    ASSERT_GT(marks.size(), 10u);
     QRegion covered;
-    for (const PicPoint p : expected) {
+    for (const RestingMark& mark : marks) {
+        const PicPoint p = mark.place.point;
         EXPECT_NE(shown.pixel(p.x, p.y), clean.pixel(p.x, p.y)) << p.x << "," << p.y;
         covered += rig.display.circleMarkRect(p);
     }
-    int stray = 0;  // changed pixels outside the degrees' marks
+    int stray = 0;  // changed pixels outside the marks
     for (int y = 0; y < shown.height(); ++y)
         for (int x = 0; x < shown.width(); ++x)
             stray += shown.pixel(x, y) != clean.pixel(x, y) && !covered.contains(QPoint(x, y));
@@ -213,22 +204,6 @@ TEST(UdDisplay, APlayedQuarterToneCoversItsRestingLabel)
     EXPECT_EQ(played.display.picUd(), expected.display.picUd());
 }
 
-TEST(UdDisplay, RestingNamesWithoutAMaqamSpellEveryPitchClass)
-{
-    Rig rig;
-    rig.display.setPresentation({.restNoMaqam = kPresNames});
-    int32_t spelled = 0;
-    rig.display.setSpeller([&spelled](int32_t note, int32_t cents) {
-        ++spelled;
-        EXPECT_EQ(cents, 0);
-        return SpelledNote{(note * 7 / 12) % 7, kNatural};
-    });
-    rig.display.redrawResting();
-    EXPECT_EQ(spelled, 12);  // each pitch class once, not once per octave
-    const PicPoint g = rig.pointOf(55, 0);
-    EXPECT_EQ(rig.display.picUd().pixel(rig.display.labelRect(g).topLeft()), qRgb(221, 190, 165));
-}
-
 TEST(UdDisplay, ASecondOrientationFlipsThePicture)
 {
     Rig rig;
@@ -242,24 +217,6 @@ TEST(UdDisplay, ASecondOrientationFlipsThePicture)
     EXPECT_EQ(marksArea(rig).center(), QPoint(742 - kStringNut[2].x, 187 - kStringNut[2].y));
     rig.model.setOrientation(kRightPlayerView, true);
     EXPECT_EQ(rig.display.picUdCloneUnmarked(), upright);
-}
-
-TEST(UdDisplay, FollowsTheCurrentMaqam)
-{
-    mMaqams maqams;
-    ASSERT_EQ(maqams.loadMaqams(TARABIX_SOURCE_DIR "/data/maqams.ini"), "");
-    Rig rig;
-    rig.display.setPresentation({.playMaqam = kPresNames});
-    rig.display.followMaqams(&maqams);
-    EXPECT_FALSE(rig.display.restingScale().maqamSelected);
-
-    ASSERT_TRUE(maqams.applyMaqamMarker("Q:Rast/2"));  // Rast on D
-    const RestingScale scale = rig.display.restingScale();
-    EXPECT_EQ(std::make_tuple(scale.maqamSelected, scale.pitchClass[0], scale.cents[2]), std::make_tuple(true, 2, -50));
-    // A sounding note is now a highlighted label, not a circle.
-    rig.display.noteOnDisplay(54, 0, true);
-    const QRect box = rig.display.labelRect(rig.pointOf(54, 0));
-    EXPECT_EQ(rig.display.picUd().pixel(box.topLeft()), qRgb(192, 0, 0));
 }
 
 }  // namespace
