@@ -52,12 +52,6 @@ protected:
     test::TempFolder m_dir{::testing::UnitTest::GetInstance()->current_test_info()->name()};
 };
 
-// The window shows a fresh profile's notes as a bare NotePresentation does: names everywhere.
-TEST_F(UserSettingsTest, AFreshProfileShowsNotesAsABareNotePresentation)
-{
-    EXPECT_EQ(open("").notePresentation(), NotePresentation{});
-}
-
 TEST_F(UserSettingsTest, HighlightFollowsApproximatedQuarterTones)
 {
     const std::tuple<const char*, const char*, bool> cases[] = {
@@ -74,7 +68,8 @@ TEST_F(UserSettingsTest, MissingAndUnreadableValuesGiveTheBuiltInOnes)
     const UserSettings fresh = open("");
     const StartupOptions f = fresh.loadStartup();
     EXPECT_EQ(std::make_tuple(f.approxQrt, f.playMouseMove, f.mkbPlayHilite, f.mkbDoubling), std::make_tuple(true, false, true, false));
-    EXPECT_EQ(std::make_tuple(f.mkbDblOn1MS, f.mkbDblOffMS, f.noteNamesType), std::make_tuple(5, 2, 0));
+    EXPECT_EQ(std::make_tuple(f.mkbDblOn1MS, f.mkbDblOffMS), std::make_tuple(5, 2));
+    EXPECT_EQ(fresh.notePresentation(), NotePresentation{});  // the window's bare value: names everywhere
     EXPECT_EQ(std::make_tuple(fresh.udOrient(), fresh.tuningICateg(), fresh.synthLatencyMs()), std::make_tuple(1, 0, 20));
 
     const UserSettings settings = open("[options]\napproxQrt=maybe\nPlayMouseMove=True\nMKB-dblOn1MS=fast\nMKB-dblOffMS=7\nNoteNamesType=1\n"
