@@ -8,6 +8,7 @@
 #include "app/ScopedFlag.h"
 #include "app/WindowTexts.h"
 #include "base/TickSource.h"
+#include "midi/MidiError.h"
 #include "oud/model/Tunings.h"
 #include "playback/mMidiMain.h"
 #include "playback/qt/QtPlayerWait.h"
@@ -142,9 +143,16 @@ void fMain::startPlaying(int32_t fromMs)
     sldSpeedR_Change(sldSpeedR->value(), true);
     m_player.setCatchUpTolerance(m_catchUpTolerance);
     m_player.setStartOffsetMSecMidi(fromMs);
-    {
+    try {
         const ScopedFlag inPlay(m_inPlay);
         m_player.play();
+    } catch (const MidiError& e) {
+        // A piece whose times overflow at this speed (a damaged file's huge delta times): the
+        // learner keeps the window and the piece, and is told why it stopped.
+        stopPlaying();
+        message(QMessageBox::Warning, QStringLiteral("The piece cannot be timed at this speed: %1 (error %2).")
+                                          .arg(QString::fromStdString(e.description()))
+                                          .arg(e.number()));
     }
     if (m_mf != piece)
         m_player.setTheMidi(m_mf.get());
