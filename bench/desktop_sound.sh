@@ -22,9 +22,8 @@ read -r -a serverList <<<"${4:-pulseaudio pipewire}"
 cli=$(realpath "$build/bin/tarabix-cli")
 check=$(realpath "$build/bench/sound_check")
 wake=$(realpath "$build/bench/synth_wake_bench")
-for exe in "$cli" "$check" "$wake"; do
-    [[ -x $exe ]] || { echo "desktop_sound: $exe not built" >&2; exit 1; }
-done
+source "$(dirname "$0")/common.sh"
+need_built desktop_sound "$cli" "$check" "$wake"
 
 packages=(pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus)
 missing=()
@@ -38,18 +37,12 @@ if ((${#missing[@]})); then
     $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi
 
-tmp=$(mktemp -d)
 export HOME=$tmp/home XDG_RUNTIME_DIR=$tmp/run XDG_CONFIG_HOME=$tmp/config
 mkdir -p "$HOME" "$XDG_RUNTIME_DIR" "$XDG_CONFIG_HOME"
 chmod 700 "$XDG_RUNTIME_DIR"
 servers=()
-busy=()
 stop_pids() { for p in "$@"; do kill "$p" 2>/dev/null || true; done; for p in "$@"; do wait "$p" 2>/dev/null || true; done; }
-cleanup() {
-    stop_pids "${busy[@]}" "${servers[@]}"
-    rm -rf "$tmp"
-}
-trap cleanup EXIT
+bench_cleanup() { stop_pids "${servers[@]}"; }
 latencyArgs=()
 [[ -n $latency ]] && latencyArgs=(--latency "$latency")
 
@@ -183,11 +176,9 @@ for server in "${serverList[@]}"; do
     echo "$server ($( [[ $server == pulseaudio ]] && pulseaudio --version || pipewire --version | tail -1 ))"
     "start_$server"
     play_probe "$server"
-    yes >/dev/null &
-    busy=($!)
+    start_busy 1
     play_probe "$server-one-busy"
-    stop_pids "${busy[@]}"
-    busy=()
+    stop_busy
     idle_cpu
     wake_time
     server_dies

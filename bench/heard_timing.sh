@@ -12,29 +12,16 @@ build=${1:-build}
 busy=${2:-2}
 cli=$build/bin/tarabix-cli
 check=$build/bench/sound_check
-for exe in "$cli" "$check"; do
-    [[ -x $exe ]] || { echo "heard_timing: $exe not built" >&2; exit 1; }
-done
-
-tmp=$(mktemp -d)
-pids=()
-cleanup() {
-    for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-    rm -rf "$tmp"
-}
-trap cleanup EXIT
+source "$(dirname "$0")/common.sh"
+need_built heard_timing "$cli" "$check"
 
 "$check" write-clicks "$tmp/clicks.mid" 200 100
-for ((i = 0; i < busy; i++)); do
-    yes >/dev/null &
-    pids+=($!)
-done
+start_busy "$busy"
 sleep 1
 load=$(cut -d' ' -f1-3 /proc/loadavg)
 "$cli" play "$tmp/clicks.mid" --audio-out "$tmp/heard.wav" --timing-log "$tmp/timing.csv" 2>"$tmp/play.err" ||
     { cat "$tmp/play.err" >&2; exit 1; }
-for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-pids=()
+stop_busy
 
 echo "200 clicks 100 ms apart, $busy busy processes, $(nproc) cores, load average at the start $load"
 handoff=$(awk -F, 'NR > 1 { printf "%.3f\n", $3 - $2 }' "$tmp/timing.csv" | sort -g |

@@ -13,22 +13,10 @@ build=${1:-build}
 busy=${2:-0}
 probe=$build/bench/mark_probe
 check=$build/bench/sound_check
-for exe in "$probe" "$check"; do
-    [[ -x $exe ]] || { echo "mark_timing: $exe not built" >&2; exit 1; }
-done
+source "$(dirname "$0")/common.sh"
+need_built mark_timing "$probe" "$check"
 
-tmp=$(mktemp -d)
-pids=()
-cleanup() {
-    for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-    rm -rf "$tmp"
-}
-trap cleanup EXIT
-
-for ((i = 0; i < busy; i++)); do
-    yes >/dev/null &
-    pids+=($!)
-done
+start_busy "$busy"
 sleep 1
 echo "$busy busy processes, $(nproc) cores, load average at the start $(cut -d' ' -f1-3 /proc/loadavg)"
 for frames in 64 882; do

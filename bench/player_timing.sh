@@ -11,12 +11,8 @@ build=${1:-build}
 seconds=${2:-20}
 cli=$build/bin/tarabix-cli
 gen=$build/bench/player_bench
-for exe in "$cli" "$gen"; do
-    [[ -x $exe ]] || { echo "player_timing: $exe not built" >&2; exit 1; }
-done
-
-tmp=$(mktemp -d)
-trap 'rm -rf "$tmp"' EXIT
+source "$(dirname "$0")/common.sh"
+need_built player_timing "$cli" "$gen"
 "$gen" --write-dense-piece "$tmp/dense.mid" 200 "$seconds"
 
 # Lateness = sent - due in ms; nearest-rank percentiles.

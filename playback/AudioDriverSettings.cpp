@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 
 namespace tarabix {
 
@@ -23,6 +24,23 @@ double msOf(int frames, double sampleRate)
 }
 
 }  // namespace
+
+std::vector<std::string> defaultAudioDrivers()
+{
+#if defined(__APPLE__)
+    return {"coreaudio"};
+#elif defined(_WIN32)
+    return {"wasapi", "dsound"};
+#else
+    // JACK only when its server runs: its client library can abort the process when none does.
+    // A running server keeps its shared-memory registry in /dev/shm under a "jack" name.
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ec))
+        if (entry.path().filename().string().starts_with("jack"))
+            return {"jack", "pulseaudio", "alsa"};
+    return {"pulseaudio", "alsa"};
+#endif
+}
 
 AudioDriverSettings chooseAudioDriverSettings(const std::string& driver, int latencyMs, double sampleRate)
 {

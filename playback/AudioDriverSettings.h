@@ -13,6 +13,9 @@ inline constexpr int kDefaultSynthLatencyMs = 20;
 inline constexpr int kMinSynthLatencyMs = 3;
 inline constexpr int kMaxSynthLatencyMs = 100;
 
+// The audio drivers tried in turn, the platform's usual one first.
+std::vector<std::string> defaultAudioDrivers();
+
 // How the built-in synthesizer's audio driver is set up for one driver and latency.
 struct AudioDriverSettings {
     int periodSize = 64;  // frames the synthesizer renders per write

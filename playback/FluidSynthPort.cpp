@@ -10,7 +10,6 @@
 #include <chrono>
 #include <cmath>
 #include <condition_variable>
-#include <filesystem>
 #include <mutex>
 #include <thread>
 
@@ -38,43 +37,20 @@ int64_t steadyUs()
         .count();
 }
 
-int64_t steadyMs()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 bool isSoundingNoteOn(uint32_t message)
 {
-    return (shortMessageStatus(message) & 0xF0) == midistatus::kNoteOn && shortMessageData2(message) != 0;
+    return statusKind(shortMessageStatus(message)) == midistatus::kNoteOn && shortMessageData2(message) != 0;
 }
 
 // Sustain, all sound off, all notes off: what silences a channel.
 bool isChannelCut(uint32_t message)
 {
     const uint32_t controller = shortMessageData1(message);
-    return (shortMessageStatus(message) & 0xF0) == midistatus::kController &&
+    return statusKind(shortMessageStatus(message)) == midistatus::kController &&
            (controller == midicc::kSustain || controller == midicc::kAllSoundOff || controller == midicc::kAllNotesOff);
 }
 
 }  // namespace
-
-std::vector<std::string> defaultAudioDrivers()
-{
-#if defined(__APPLE__)
-    return {"coreaudio"};
-#elif defined(_WIN32)
-    return {"wasapi", "dsound"};
-#else
-    // JACK only when its server runs: its client library can abort the process when none does.
-    // A running server keeps its shared-memory registry in /dev/shm under a "jack" name.
-    std::error_code ec;
-    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ec))
-        if (entry.path().filename().string().starts_with("jack"))
-            return {"jack", "pulseaudio", "alsa"};
-    return {"pulseaudio", "alsa"};
-#endif
-}
 
 struct FluidSynthPort::Impl {
     FluidSynthPortOptions options;
@@ -114,7 +90,7 @@ struct FluidSynthPort::Impl {
     AudioDriverSettings chosen;
     std::unique_ptr<SynthTimeline> timeline;
 
-    int64_t now() const { return options.clockMs ? options.clockMs() : steadyMs(); }
+    int64_t now() const { return options.clockMs ? options.clockMs() : steadyUs() / 1000; }
 
     bool startAudio()
     {
@@ -248,6 +224,23 @@ struct FluidSynthPort::Impl {
             watcher.join();
     }
 
+    // Every message sent: kept for the load while the SoundFont is not in yet (there is no sound to
+    // place it in), else delivered.
+    void submit(uint32_t message, const int32_t* dueMs)
+    {
+        if (!isOpen)
+            return;
+        {
+            std::lock_guard lock(mutex);
+            if (!loaded) {
+                if (!loadFailed && pending.size() < kMaxPendingMessages)
+                    pending.push_back(message);
+                return;
+            }
+        }
+        deliver(message, dueMs);
+    }
+
     // A message for the synth once the SoundFont is in: a note-on needs the audio running.
     void deliver(uint32_t message, const int32_t* dueMs)
     {
@@ -269,13 +262,6 @@ struct FluidSynthPort::Impl {
         }
         if (!scheduled)
             engine->dispatch(message);
-    }
-
-
-    // The learner's file: the one given to this output, else the program's current choice.
-    std::string wantedSoundFont() const
-    {
-        return options.soundFontPath.empty() ? soundFontOverride() : options.soundFontPath;
     }
 
     // Picks the SoundFont at once, the quick check included, so a missing or broken file is known
@@ -350,7 +336,8 @@ int32_t FluidSynthPort::open()
         d.setReason(d.engine->reason());
         return kMidiOutError;
     }
-    const std::string wanted = d.wantedSoundFont();
+    // The learner's file: the one given to this output, else the program's current choice.
+    const std::string wanted = d.options.soundFontPath.empty() ? soundFontOverride() : d.options.soundFontPath;
     bool choose = false;
     {
         std::lock_guard lock(d.mutex);
@@ -409,35 +396,12 @@ int32_t FluidSynthPort::close()
 
 void FluidSynthPort::send(uint32_t message)
 {
-    Impl& d = *m_impl;
-    if (!d.isOpen)
-        return;
-    {
-        std::lock_guard lock(d.mutex);
-        if (!d.loaded) {
-            if (!d.loadFailed && d.pending.size() < kMaxPendingMessages)
-                d.pending.push_back(message);
-            return;
-        }
-    }
-    d.deliver(message, nullptr);
+    m_impl->submit(message, nullptr);
 }
 
 void FluidSynthPort::sendAt(uint32_t message, int32_t dueMs)
 {
-    Impl& d = *m_impl;
-    if (!d.isOpen)
-        return;
-    bool loaded = false;
-    {
-        std::lock_guard lock(d.mutex);
-        loaded = d.loaded;
-    }
-    // Before the SoundFont is in there is no sound to place: it joins the queue of the load.
-    if (loaded)
-        d.deliver(message, &dueMs);
-    else
-        send(message);
+    m_impl->submit(message, &dueMs);
 }
 
 void FluidSynthPort::reset()

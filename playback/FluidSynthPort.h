@@ -11,9 +11,6 @@
 
 namespace tarabix {
 
-// The audio drivers tried in turn, the platform's usual one first.
-std::vector<std::string> defaultAudioDrivers();
-
 struct FluidSynthPortOptions {
     std::string soundFontPath;  // empty: the program's choice (soundFontOverride()), else the system's
     std::vector<std::string> audioDrivers = defaultAudioDrivers();
