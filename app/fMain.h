@@ -143,7 +143,6 @@ private:
     void cmbMaqams_Click();
     void cmbMaqamStarts_Click();
     void refillTonicList(int32_t maqamIndex);
-    void applyMaqamMarker(const std::string& text);
     void applyMaqamMarker(MaqamMarker marker);
     void showNotesAs(const NotePresentation& chosen);
     int32_t nameSystem() const;

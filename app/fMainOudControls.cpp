@@ -179,12 +179,6 @@ void fMain::cmbMaqamStarts_Click()
     redrawFingerboard();
 }
 
-void fMain::applyMaqamMarker(const std::string& text)
-{
-    if (const std::optional<MaqamMarker> marker = m_maqams.parseMaqamMarker(text))
-        applyMaqamMarker(*marker);
-}
-
 void fMain::applyMaqamMarker(MaqamMarker marker)
 {
     // Both changes go through the lists' own handlers, as if the learner had chosen them.
