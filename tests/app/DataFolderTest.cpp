@@ -9,35 +9,25 @@
 namespace tarabix {
 namespace {
 
-void touch(const QString& path)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-}
-
 TEST(DataFolder, FindsTheDataBesideTheProgramOrInShare)
 {
-    struct Case {
-        const char* name;
-        std::vector<QString> files;  // relative to the prefix
-        QString expected;            // relative to the prefix
-    };
-    const Case cases[] = {
-        {"beside the program", {"bin/tunings.ini"}, "bin"},
+    // Files made under a prefix, and the folder found from its bin/, both relative to the prefix.
+    const std::tuple<const char*, std::vector<QString>, QString> cases[] = {
         {"in share/tarabix", {"share/tarabix/tunings.ini"}, "share/tarabix"},
         {"both: the program's own folder wins", {"bin/tunings.ini", "share/tarabix/tunings.ini"}, "bin"},
         {"share/tarabix without tunings.ini", {"share/tarabix/maqams.ini"}, "bin"},
         {"nowhere", {}, "bin"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, files, expected] : cases) {
+        SCOPED_TRACE(name);
         QTemporaryDir prefix;
-        ASSERT_TRUE(prefix.isValid());
         QDir().mkpath(prefix.filePath("bin"));
-        for (const QString& file : c.files)
-            touch(prefix.filePath(file));
-        EXPECT_EQ(dataFolder(prefix.filePath("bin")), QDir::cleanPath(prefix.filePath(c.expected)));
+        for (const QString& file : files) {
+            QDir().mkpath(QFileInfo(prefix.filePath(file)).path());
+            QFile touched(prefix.filePath(file));
+            ASSERT_TRUE(touched.open(QIODevice::WriteOnly));
+        }
+        EXPECT_EQ(dataFolder(prefix.filePath("bin")), QDir::cleanPath(prefix.filePath(expected)));
     }
 }
 

@@ -1,5 +1,4 @@
-// Playing by hand without the window: what a press, a move, a release and the four key rows send
-// to the output and mark on the fingerboard, and which notes stay held. Sound goes to a recorder.
+// Playing by hand without the window: what presses, releases and the key rows sound and mark.
 #include "app/HandPlayer.h"
 
 #include "playback/RecorderPort.h"
@@ -11,8 +10,8 @@
 #include <QKeyEvent>
 #include <QTimer>
 
-#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,6 +19,7 @@ namespace tarabix {
 namespace {
 
 constexpr int kVelocity = 77;
+using Sent = std::vector<std::string>;
 
 class HandPlayerTest : public ::testing::Test {
 protected:
@@ -41,9 +41,9 @@ protected:
 
     // Channel 0's messages since forget() as "on <note x 100 + cents> v<velocity>" and
     // "off <note>"; a pitch wheel, even an earlier one, shifts the notes after it.
-    std::vector<std::string> sent() const
+    Sent sent() const
     {
-        std::vector<std::string> out;
+        Sent out;
         int32_t cents = 0;
         const std::vector<uint32_t> words = m_recording->words();
         for (size_t i = 0; i < words.size(); ++i) {
@@ -51,29 +51,24 @@ protected:
             const uint32_t status = w & 0xFF, d1 = (w >> 8) & 0x7F, d2 = (w >> 16) & 0x7F;
             if (status == 0xE0)
                 cents = (static_cast<int32_t>(d1 | (d2 << 7)) - 8192) * 100 / 4096;
-            else if (i < m_from)
-                continue;
-            else if (status == 0x90)
-                out.push_back("on " + std::to_string(static_cast<int32_t>(d1) * 100 + cents) + " v" +
-                              std::to_string(d2));
-            else if (status == 0x80)
+            else if (i >= m_from && status == 0x90)
+                out.push_back("on " + std::to_string(static_cast<int32_t>(d1) * 100 + cents) + " v" + std::to_string(d2));
+            else if (i >= m_from && status == 0x80)
                 out.push_back("off " + std::to_string(d1));
         }
         return out;
     }
 
-    // The notes a note-on has started and no note-off has ended.
-    std::map<uint32_t, int> sounding() const
+    // Every note struck has had a note-off since, and nothing is held or marked.
+    bool silent() const
     {
-        std::map<uint32_t, int> notes;
-        for (uint32_t w : m_recording->words()) {
-            const uint32_t note = (w >> 8) & 0x7F;
+        std::set<uint32_t> sounding;
+        for (uint32_t w : m_recording->words())
             if ((w & 0xF0) == 0x90)
-                ++notes[note];
+                sounding.insert((w >> 8) & 0x7F);
             else if ((w & 0xF0) == 0x80)
-                notes.erase(note);
-        }
-        return notes;
+                sounding.erase((w >> 8) & 0x7F);
+        return sounding.empty() && !hand.holdsNote() && !anyMark();
     }
 
     bool marked(int32_t note, int32_t cents) const
@@ -89,13 +84,11 @@ protected:
         return {static_cast<double>(p.x), static_cast<double>(p.y)};
     }
 
-    static bool key(HandPlayer& player, int qtKey, bool down, bool autoRepeat = false,
-                    Qt::KeyboardModifiers mods = Qt::NoModifier)
+    bool key(int qtKey, bool down, bool autoRepeat = false, Qt::KeyboardModifiers mods = {}, HandPlayer* player = nullptr)
     {
         const QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, qtKey, mods, QString(), autoRepeat);
-        return player.key(event, down);
+        return (player ? *player : hand).key(event, down);
     }
-    bool key(int qtKey, bool down, bool autoRepeat = false) { return key(hand, qtKey, down, autoRepeat); }
 
     std::shared_ptr<MidiRecording> m_recording = std::make_shared<MidiRecording>();
     size_t m_from = 0;
@@ -103,95 +96,79 @@ protected:
     HandPlayer hand{rig.model, &rig.display, nullptr};
 };
 
+// The release takes off only what its press put up: a piece may be marking the very place the
+// learner clicks with marks turned off.
 TEST_F(HandPlayerTest, APressSoundsAndMarksThePitchAtThePointItsReleaseUndoesBoth)
 {
     struct Case {
         const char* name;
-        PicPointF point;
+        int32_t note, cents;  // where it is pressed; note -1: beside the strings
         Qt::MouseButton button;
         bool highlight;
-        std::vector<std::string> pressed;  // sent by the press
-        bool marks;
-        const char* released;  // sent by the release, "" for nothing
+        Sent pressed;  // sent by the press; the release sends the note-off
     };
     const Case cases[] = {
-        {"an open string", at(50, 0), Qt::LeftButton, true, {"on 5000 v77"}, true, "off 50"},
-        {"a quarter tone with its wheel", at(53, 50), Qt::LeftButton, true, {"on 5350 v77"}, true, "off 53"},
-        {"unmarked by choice", at(57, 0), Qt::LeftButton, false, {"on 5700 v77"}, false, "off 57"},
-        {"beside the strings", {2.0, 2.0}, Qt::LeftButton, true, {}, false, ""},
-        {"the right button", at(50, 0), Qt::RightButton, true, {}, false, ""},
+        {"an open string", 50, 0, Qt::LeftButton, true, {"on 5000 v77"}},
+        {"a quarter tone with its wheel", 53, 50, Qt::LeftButton, true, {"on 5350 v77"}},
+        {"unmarked by choice, over a piece's mark", 57, 0, Qt::LeftButton, false, {"on 5700 v77"}},
+        {"beside the strings", -1, 0, Qt::LeftButton, true, {}},
+        {"the right button", 50, 0, Qt::RightButton, true, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         forget();
         hand.setOptions({.playHilite = c.highlight});
-        hand.press(c.point, c.button);
+        if (!c.highlight)  // the release takes off only what its press put up
+            rig.display.noteOnDisplay(c.note, c.cents, true);
+        const QImage before = rig.display.picUd();
+        hand.press(c.note < 0 ? PicPointF{2.0, 2.0} : at(c.note, c.cents), c.button);
         EXPECT_EQ(sent(), c.pressed);
-        EXPECT_EQ(anyMark(), c.marks);
-        EXPECT_EQ(hand.holdsNote(), !c.pressed.empty());
+        const bool marks = c.highlight && !c.pressed.empty();
+        EXPECT_EQ(rig.display.picUd() != before, marks);
+        EXPECT_TRUE(!marks || marked(c.note, c.cents));
         hand.release(c.button);
-        std::vector<std::string> all = c.pressed;
-        if (*c.released)
-            all.push_back(c.released);
-        EXPECT_EQ(sent(), all);
-        EXPECT_FALSE(anyMark());
-        EXPECT_FALSE(hand.holdsNote());
+        EXPECT_EQ(sent().size(), 2 * c.pressed.size());
+        EXPECT_EQ(rig.display.picUd(), before);
+        if (!c.highlight)
+            rig.display.noteOffDisplay(c.note, c.cents, true);
+        EXPECT_TRUE(silent());
     }
-    // The quarter tone's place marked: its circle sits where (53, 50) lies.
-    hand.press(at(53, 50), Qt::LeftButton);
-    EXPECT_TRUE(marked(53, 50));
-    hand.release(Qt::LeftButton);
-}
-
-// A piece may be marking the very place the learner clicks with marks turned off: the release takes
-// off only what its press put up.
-TEST_F(HandPlayerTest, AnUnmarkedNoteLeavesAPiecesMarkAtItsPlaceAlone)
-{
-    rig.display.noteOnDisplay(50, 0, true);
-    ASSERT_TRUE(marked(50, 0));
-    hand.setOptions({.playHilite = false});
-    hand.press(at(50, 0), Qt::LeftButton);
-    hand.release(Qt::LeftButton);
-    EXPECT_EQ(sent(), (std::vector<std::string>{"on 5000 v77", "off 50"}));
-    EXPECT_TRUE(marked(50, 0));
 }
 
 TEST_F(HandPlayerTest, ASecondPressLiftsTheFirstNoteAndOneReleaseEndsAll)
 {
     hand.press(at(50, 0), Qt::LeftButton);
     hand.press(at(55, 0), Qt::LeftButton);
-    EXPECT_EQ(sent(), (std::vector<std::string>{"on 5000 v77", "off 50", "on 5500 v77"}));
+    EXPECT_EQ(sent(), (Sent{"on 5000 v77", "off 50", "on 5500 v77"}));
     EXPECT_FALSE(marked(50, 0));
     EXPECT_TRUE(marked(55, 0));
     hand.release(Qt::LeftButton);
-    EXPECT_TRUE(sounding().empty());
-    EXPECT_FALSE(anyMark());
-    EXPECT_FALSE(hand.holdsNote());
+    EXPECT_TRUE(silent());
 }
 
+// Which cell is which note is FingerboardTest's; here the rows (from down shift 1, not beyond either
+// edge nor by a repeated key) and the view reach it. Keys with Ctrl are the menus'.
 TEST_F(HandPlayerTest, KeysPlayTheirCellOnTheStringsOfTheRowsAndView)
 {
+    // The usual oud, lowest string first: 41 45 50 55 60 65.
     struct Case {
         const char* name;
         int32_t orientation;
-        int rowMoves;  // applied one step at a time from the start (down shift 1)
+        std::vector<int> rowKeys;  // pressed and released first
         int qtKey;
-        int32_t rowsAfter;
-        const char* played;
+        Qt::KeyboardModifiers mods;
+        int32_t rows;
+        Sent played;
     };
-    // The usual oud, lowest string first: 41 45 50 55 60 65.
     const Case cases[] = {
-        {"digits row", kRightMirrorView, 0, Qt::Key_1, 1, "on 4500 v77"},
-        {"Q row", kRightMirrorView, 0, Qt::Key_Q, 1, "on 5000 v77"},
-        {"A row", kRightMirrorView, 0, Qt::Key_A, 1, "on 5500 v77"},
-        {"Z row", kRightMirrorView, 0, Qt::Key_Z, 1, "on 6000 v77"},
-        {"a quarter tone along the string", kRightMirrorView, 0, Qt::Key_W, 1, "on 5050 v77"},
-        {"a half tone along the string", kRightMirrorView, 0, Qt::Key_E, 1, "on 5100 v77"},
-        {"rows up", kRightMirrorView, -1, Qt::Key_1, 0, "on 4100 v77"},
-        {"rows up beyond the edge", kRightMirrorView, -3, Qt::Key_1, 0, "on 4100 v77"},
-        {"rows down", kRightMirrorView, 1, Qt::Key_Z, 2, "on 6500 v77"},
-        {"rows down beyond the edge", kRightMirrorView, 4, Qt::Key_1, 2, "on 5000 v77"},
-        {"the player's view turns the rows over", kRightPlayerView, 0, Qt::Key_1, 1, "on 6000 v77"},
+        {"rows up and down again: the Q row", kRightMirrorView, {Qt::Key_Up, Qt::Key_Down}, Qt::Key_Q, {}, 1,
+         {"on 5000 v77"}},
+        {"rows up beyond the edge", kRightMirrorView, {Qt::Key_Up, Qt::Key_Escape, Qt::Key_Up}, Qt::Key_1, {}, 0,
+         {"on 4100 v77"}},
+        {"rows down beyond the edge", kRightMirrorView, {Qt::Key_Down, Qt::Key_Down}, Qt::Key_Z, {}, 2, {"on 6500 v77"}},
+        {"the player's view turns the rows over", kRightPlayerView, {}, Qt::Key_1, {}, 1, {"on 6000 v77"}},
+        {"a keypad Down", kRightMirrorView, {}, Qt::Key_Down, Qt::KeypadModifier, 2, {}},
+        {"Ctrl+Q", kRightMirrorView, {}, Qt::Key_Q, Qt::ControlModifier, 1, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -199,44 +176,18 @@ TEST_F(HandPlayerTest, KeysPlayTheirCellOnTheStringsOfTheRowsAndView)
         fresh.model.setOrientation(c.orientation, true);
         HandPlayer player(fresh.model, nullptr, nullptr);
         player.velocity = [] { return kVelocity; };
-        for (int i = 0; i < (c.rowMoves < 0 ? -c.rowMoves : c.rowMoves); ++i)
-            player.moveRows(c.rowMoves < 0 ? -1 : 1);
-        EXPECT_EQ(player.rowsDownShift(), c.rowsAfter);
+        for (int rowKey : c.rowKeys) {
+            EXPECT_TRUE(key(rowKey, true, false, {}, &player));
+            EXPECT_TRUE(key(rowKey, true, true, {}, &player));  // repeated while held: no move
+            EXPECT_TRUE(key(rowKey, false, false, {}, &player));
+        }
         forget();
-        EXPECT_TRUE(key(player, c.qtKey, true));
-        EXPECT_EQ(sent(), std::vector<std::string>{c.played});
-        EXPECT_TRUE(key(player, c.qtKey, false));
-        EXPECT_TRUE(sounding().empty());
-    }
-}
-
-TEST_F(HandPlayerTest, RowKeysMoveTheRowsAndOtherKeysAreNotTheGrids)
-{
-    struct Case {
-        const char* name;
-        int qtKey;
-        Qt::KeyboardModifiers mods;
-        bool autoRepeat;
-        bool consumed;
-        int32_t rowsAfter;
-    };
-    const Case cases[] = {
-        {"Up", Qt::Key_Up, Qt::NoModifier, false, true, 0},
-        {"Esc", Qt::Key_Escape, Qt::NoModifier, false, true, 0},
-        {"Down", Qt::Key_Down, Qt::NoModifier, false, true, 2},
-        {"a repeated Down", Qt::Key_Down, Qt::NoModifier, true, true, 1},
-        {"a keypad Down", Qt::Key_Down, Qt::KeypadModifier, false, true, 2},
-        {"Ctrl+Q", Qt::Key_Q, Qt::ControlModifier, false, false, 1},
-        {"F1", Qt::Key_F1, Qt::NoModifier, false, false, 1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        HandPlayer player(rig.model, &rig.display, nullptr);
-        forget();
-        EXPECT_EQ(key(player, c.qtKey, true, c.autoRepeat, c.mods), c.consumed);
-        EXPECT_EQ(player.rowsDownShift(), c.rowsAfter);
-        EXPECT_EQ(key(player, c.qtKey, false, false, c.mods), c.consumed);
-        EXPECT_TRUE(sent().empty());
+        const bool grids = c.mods != Qt::ControlModifier;
+        EXPECT_EQ(key(c.qtKey, true, false, c.mods, &player), grids);
+        EXPECT_EQ(sent(), c.played);
+        EXPECT_EQ(key(c.qtKey, false, false, c.mods, &player), grids);
+        EXPECT_EQ(player.rowsDownShift(), c.rows);
+        EXPECT_EQ(sent().size(), 2 * c.played.size());
     }
 }
 
@@ -245,28 +196,12 @@ TEST_F(HandPlayerTest, AHeldKeySoundsOnceAndItsReleaseStopsWhatItStruckAfterTheR
     key(Qt::Key_Q, true);
     key(Qt::Key_Q, false, true);  // the system repeating a held key: a release and a press
     key(Qt::Key_Q, true, true);
-    EXPECT_EQ(sent(), (std::vector<std::string>{"on 5000 v77"}));
-    EXPECT_TRUE(hand.holdsNote());
+    EXPECT_EQ(sent(), (Sent{"on 5000 v77"}));
     key(Qt::Key_Up, true);
     key(Qt::Key_Up, false);
     key(Qt::Key_Q, false);
-    EXPECT_EQ(sent(), (std::vector<std::string>{"on 5000 v77", "off 50"}));
-    EXPECT_FALSE(anyMark());
-    EXPECT_FALSE(hand.holdsNote());
-}
-
-TEST_F(HandPlayerTest, DoublingStrikesTwiceExceptOnTheSingleLowestString)
-{
-    hand.setOptions({.doubling = true});
-    key(Qt::Key_Q, true);  // string 2 at down shift 1: a doubled course
-    EXPECT_EQ(sent(), (std::vector<std::string>{"on 5000 v77", "off 50", "on 5000 v77"}));
-    key(Qt::Key_Q, false);
-    hand.moveRows(-1);  // the digits row now lies on string 0
-    forget();
-    key(Qt::Key_1, true);
-    EXPECT_EQ(sent(), (std::vector<std::string>{"on 4100 v77"}));
-    key(Qt::Key_1, false);
-    EXPECT_TRUE(sounding().empty());
+    EXPECT_EQ(sent(), (Sent{"on 5000 v77", "off 50"}));
+    EXPECT_TRUE(silent());
 }
 
 // The window stays alive while a note is struck (its mark painted, the doubling's gaps), so the
@@ -275,7 +210,6 @@ TEST_F(HandPlayerTest, AReleaseInTheMiddleOfItsStrikeLeavesNothingSounding)
 {
     for (bool doubling : {false, true}) {
         SCOPED_TRACE(doubling ? "in the doubling's gap" : "before the note sounds");
-        forget();
         hand.setOptions({.doubling = doubling});
         const auto releaseSoon = [this] { QTimer::singleShot(0, [this] { hand.release(Qt::LeftButton); }); };
         if (doubling)
@@ -286,39 +220,8 @@ TEST_F(HandPlayerTest, AReleaseInTheMiddleOfItsStrikeLeavesNothingSounding)
         else
             releaseSoon();
         hand.press(at(50, 0), Qt::LeftButton);
-        EXPECT_TRUE(sounding().empty());
-        EXPECT_FALSE(hand.holdsNote());
-        EXPECT_FALSE(anyMark());
+        EXPECT_TRUE(silent());
         hand.velocity = [] { return kVelocity; };
-    }
-}
-
-TEST_F(HandPlayerTest, SlidingAlongAStringReStrikesOnlyWhenChosenAndFarEnough)
-{
-    struct Case {
-        const char* name;
-        bool slide;
-        double dx, dy;
-        Qt::MouseButtons buttons;
-        bool reStruck;
-    };
-    const Case cases[] = {
-        {"5 units along", true, 5, 0, Qt::LeftButton, true},
-        {"4 units across", true, 0, 4, Qt::LeftButton, true},
-        {"4 units along", true, 4, 0, Qt::LeftButton, false},
-        {"not chosen", false, 5, 0, Qt::LeftButton, false},
-        {"no button held", true, 5, 0, Qt::NoButton, false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        hand.setOptions({.playMouseMove = c.slide});
-        const PicPointF from = at(52, 0);
-        hand.press(from, Qt::LeftButton);
-        forget();
-        hand.move({from.x + c.dx, from.y + c.dy}, c.buttons);
-        EXPECT_EQ(sent().size(), c.reStruck ? 2u : 0u);
-        hand.release(Qt::LeftButton);
-        EXPECT_TRUE(sounding().empty());
     }
 }
 
