@@ -18,8 +18,7 @@ double periodFromNsdf(std::span<const double> x, double sampleRate, double minHz
         return 0.0;
     std::vector<double> nsdf(static_cast<size_t>(maxLag) + 2, 0.0);
     for (int lag = minLag - 1; lag <= maxLag + 1; ++lag) {
-        double acf = 0.0;
-        double energy = 0.0;
+        double acf = 0.0, energy = 0.0;
         for (int i = 0; i + lag < n; ++i) {
             acf += x[i] * x[i + lag];
             energy += x[i] * x[i] + x[i + lag] * x[i + lag];
@@ -32,11 +31,8 @@ double periodFromNsdf(std::span<const double> x, double sampleRate, double minHz
         return 0.0;
     for (int lag = minLag; lag <= maxLag; ++lag) {
         const double a = nsdf[lag - 1], b = nsdf[lag], c = nsdf[lag + 1];
-        if (b >= 0.9 * best && b >= a && b >= c) {
-            const double curve = a - 2.0 * b + c;
-            const double shift = curve != 0.0 ? 0.5 * (a - c) / curve : 0.0;
-            return lag + shift;
-        }
+        if (const double curve = a - 2.0 * b + c; b >= 0.9 * best && b >= a && b >= c)
+            return lag + (curve != 0.0 ? 0.5 * (a - c) / curve : 0.0);
     }
     return 0.0;
 }
@@ -44,11 +40,10 @@ double periodFromNsdf(std::span<const double> x, double sampleRate, double minHz
 // Magnitude of the Hann-windowed spectrum at one frequency.
 double magnitudeAt(std::span<const double> x, double sampleRate, double hz)
 {
-    const size_t n = x.size();
-    double re = 0.0;
-    double im = 0.0;
-    for (size_t i = 0; i < n; ++i) {
-        const double window = 0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(n - 1));
+    const auto n = static_cast<double>(x.size());
+    double re = 0.0, im = 0.0;
+    for (size_t i = 0; i < x.size(); ++i) {
+        const double window = 0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * static_cast<double>(i) / (n - 1));
         const double phase = 2.0 * std::numbers::pi * hz * static_cast<double>(i) / sampleRate;
         re += window * x[i] * std::cos(phase);
         im -= window * x[i] * std::sin(phase);

@@ -5,11 +5,9 @@
 
 namespace tarabix::test {
 
-// The fundamental of a steady tone, in Hz; 0 when none is found between minHz and maxHz.
-// A normalised square-difference search picks the period (the first strong peak, so a loud
-// second partial does not pass for the fundamental), then the peak of the windowed spectrum
-// near that frequency gives the exact value: a string's slightly sharp upper partials do not
-// pull it.
+// The fundamental of a steady tone, in Hz; 0 when none is found between minHz and maxHz. The
+// first strong peak of a normalised square-difference search gives the period (a loud second
+// partial does not pass for it), the windowed spectrum's peak near it the exact value.
 double fundamentalHz(std::span<const double> signal, double sampleRate, double minHz, double maxHz);
 
 // The fundamental (80 to 1000 Hz) of interleaved stereo samples from fromS to toS seconds, left and

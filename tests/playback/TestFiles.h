@@ -22,8 +22,7 @@ inline std::string readBytes(const std::string& path)
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// The samples of a 16-bit PCM WAV file as the renderer writes it (the canonical 44-byte header),
-// channels interleaved.
+// The interleaved samples of a 16-bit PCM WAV file with the canonical 44-byte header.
 inline std::vector<float> wavSamples16(const std::string& wavBytes)
 {
     std::vector<float> samples;
