@@ -1,11 +1,14 @@
 #include "base/CheckedInt32.h"
+#include "base/ReadWholeFile.h"
 #include "base/Rounding.h"
 #include "base/TickSource.h"
+#include "tests/common/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace tarabix {
 namespace {
@@ -16,42 +19,39 @@ constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
 TEST(CheckedInt32, OverflowIsAnOutcomeNotUndefinedBehaviour)
 {
     EXPECT_EQ(checkedAdd(kMax - 1, 1), kMax);
-    EXPECT_FALSE(checkedAdd(kMax, 1));
-    EXPECT_FALSE(checkedSub(kMin, 1));
     EXPECT_EQ(checkedMul(2147483, 1000), 2147483000);
-    EXPECT_FALSE(checkedMul(2147484, 1000));  // absTick x 1000 beyond 32 bits
-    EXPECT_FALSE(checkedMul(kMin, -1));
+    EXPECT_FALSE(checkedAdd(kMax, 1) || checkedSub(kMin, 1) || checkedMul(2147484, 1000) || checkedMul(kMin, -1));
 }
 
 TEST(TickSource, StartsNearZeroAndNeverRunsBackwards)
 {
     const int32_t first = tickMs();
-    EXPECT_GE(first, 0);
-    EXPECT_LT(first, 60'000);
-    EXPECT_GE(tickMs(), first);
+    EXPECT_TRUE(first >= 0 && first < 60'000 && tickMs() >= first) << first;
 }
 
-TEST(Rounding, HalvesGoToTheEvenNeighbour)
+TEST(Rounding, HalvesGoToTheEvenNeighbourAndInt32sSaturateOrReportOverflow)
 {
-    struct Case { double in; double out; };
-    const Case cases[] = {
-        {0.5, 0}, {1.5, 2}, {2.5, 2}, {3.5, 4}, {-0.5, -0}, {-1.5, -2}, {-2.5, -2},
-        {2.4999, 2}, {2.5001, 3}, {-2.5001, -3}, {1e15 + 0.5, 1e15}, {7, 7},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(roundHalfEven(c.in), c.out);
-    }
+    const std::pair<double, double> cases[] = {
+        {0.5, 0}, {1.5, 2}, {2.5, 2}, {-0.5, -0}, {-1.5, -2}, {-2.5, -2}, {2.4999, 2}, {-2.5001, -3}, {1e15 + 0.5, 1e15}};
+    for (const auto& [in, out] : cases)
+        EXPECT_EQ(roundHalfEven(in), out) << in;
+    EXPECT_EQ(roundHalfEvenToInt32(2147483647.4), kMax);
+    EXPECT_EQ(roundHalfEvenToInt32(-2147483648.5), kMin);  // ties to even stays in range
+    EXPECT_FALSE(roundHalfEvenToInt32(2147483647.5) || roundHalfEvenToInt32(std::nan("")));
+    EXPECT_EQ(std::make_pair(roundHalfEvenInt(1e12), roundHalfEvenInt(-1e12)), std::make_pair(kMax, kMin));
 }
 
-TEST(Rounding, Int32ConversionReportsValuesThatDoNotFit)
+TEST(ReadWholeFile, ReadsBinaryBytesAndReportsMissingFilesAndFolders)
 {
-    EXPECT_EQ(roundHalfEvenToInt32(2147483647.4), 2147483647);
-    EXPECT_EQ(roundHalfEvenToInt32(-2147483648.5), -2147483648);  // ties to even stays in range
-    EXPECT_FALSE(roundHalfEvenToInt32(2147483647.5).has_value());
-    EXPECT_FALSE(roundHalfEvenToInt32(std::nan("")).has_value());
-    EXPECT_EQ(roundHalfEvenInt(1e12), std::numeric_limits<int32_t>::max());
-    EXPECT_EQ(roundHalfEvenInt(-1e12), std::numeric_limits<int32_t>::min());
+    const test::TempFolder dir("read_whole_file");
+    const std::string binary("MThd\0\r\n\xff", 8);
+    std::string bytes = "stale";
+    EXPECT_EQ(readWholeFile(dir.write("piece.mid", binary), bytes), 0);
+    EXPECT_EQ(bytes, binary);
+    EXPECT_EQ(readWholeFile(dir.path("absent.mid"), bytes), kFileNotFound);
+    EXPECT_TRUE(bytes.empty());
+    EXPECT_EQ(readWholeFile("", bytes), kFileNotFound);
+    EXPECT_EQ(readWholeFile(dir.path(""), bytes), kPathAccessError);
 }
 
 }  // namespace

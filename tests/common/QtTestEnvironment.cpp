@@ -6,24 +6,19 @@
 
 namespace {
 
-class QtEnvironment : public ::testing::Environment {
-public:
+struct QtEnvironment : ::testing::Environment {
     void SetUp() override
     {
-        if (QApplication::instance())
-            return;
         static int argc = 1;
         static char name[] = "tarabix_tests";
         static char* argv[] = {name, nullptr};
-        m_app = new QApplication(argc, argv);
+        if (!QApplication::instance())
+            app = new QApplication(argc, argv);
     }
-    void TearDown() override { delete m_app; }
-
-private:
-    QApplication* m_app = nullptr;
+    void TearDown() override { delete app; }
+    QApplication* app = nullptr;
 };
 
-[[maybe_unused]] ::testing::Environment* const kEnvironment =
-    ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+[[maybe_unused]] ::testing::Environment* const kEnvironment = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
 
 }  // namespace

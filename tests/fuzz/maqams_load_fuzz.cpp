@@ -15,11 +15,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!tarabix::fuzz::writeTempFile(path, bytes))
         return 0;
     tarabix::mMaqams maqams;
-    const std::string fault = maqams.loadMaqams(path);
-    if (!fault.empty() && maqams.maqamCount() != 0)
+    if (!maqams.loadMaqams(path).empty() && maqams.maqamCount() != 0)
         __builtin_trap();
     for (int32_t index = 0; index <= maqams.maqamCount() + 1; ++index) {
-        (void)maqams.maqamName(index);
+        const std::string name = maqams.maqamName(index);
         (void)maqams.maqamHomeTonic(index);
         (void)maqams.maqamTonics(index);
         for (int32_t tonic = 0; tonic < 12; ++tonic) {
@@ -29,17 +28,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             for (int32_t cents = -150; cents <= 150; cents += 25)
                 (void)maqams.spellPitch(60 + tonic, cents);
         }
-        const std::string marker = "Q:" + maqams.maqamName(index) + "/" + std::to_string(index % 12);
-        const auto parsed = maqams.applyMaqamMarker(marker);
-        if (index >= 1 && index <= maqams.maqamCount() && !maqams.maqamName(index).empty()
-            && maqams.maqamName(index).find('/') == std::string::npos && !parsed)
+        const auto parsed = maqams.applyMaqamMarker("Q:" + name + "/" + std::to_string(index % 12));
+        if (index >= 1 && index <= maqams.maqamCount() && !name.empty() && name.find('/') == std::string::npos && !parsed)
             __builtin_trap();
     }
     // The fuzz bytes themselves as a piece's text event.
-    if (const auto marker = maqams.parseMaqamMarker(bytes)) {
+    if (const auto marker = maqams.parseMaqamMarker(bytes))
         if (marker->index < 1 || marker->index > maqams.maqamCount() || marker->tonic < 0 || marker->tonic > 11)
             __builtin_trap();
-    }
     (void)maqams.spellPitch(static_cast<int32_t>(size) - 64, static_cast<int32_t>(size) * 37 - 5000);
     return 0;
 }

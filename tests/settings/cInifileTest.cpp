@@ -13,12 +13,13 @@ namespace {
 
 using namespace std::string_literals;
 
-cInifile iniAt(const std::string& path, const std::string& section = {}, const std::string& key = {})
+cInifile iniAt(const std::string& path, const std::string& section = {}, const std::string& key = {}, const std::string& fallback = {})
 {
     cInifile ini;
     ini.setPath(path);
     ini.setSection(section);
     ini.setKey(key);
+    ini.setDefault(fallback);
     return ini;
 }
 
@@ -36,16 +37,11 @@ TEST(cInifile, ReadsValuesLikeTheProfileCalls)
         {"q_rast", "late", "(default)"},  {"q_rast", "orphan", "(default)"},   {"last", "tab", "lf line end"},
         {"absent", "name", "(default)"},
     };
-    for (const auto& [section, key, expected] : cases) {
-        cInifile ini = iniAt(path, section, key);
-        ini.setDefault("(default)   ");
-        EXPECT_EQ(ini.Value(), expected) << section << "/" << key;
-    }
+    for (const auto& [section, key, expected] : cases)
+        EXPECT_EQ(iniAt(path, section, key, "(default)   ").Value(), expected) << section << "/" << key;
 
-    cInifile cut = iniAt(dir.write("long.ini", "[s]\r\nk=" + std::string(300, 'x') + "\r\n"), "s", "k");
-    EXPECT_EQ(cut.Value(), std::string(254, 'x'));  // the caller's buffer
-    cInifile missing = iniAt(dir.path("absent.ini"), "q_rast", "name");
-    missing.setDefault("fallback");
+    EXPECT_EQ(iniAt(dir.write("long.ini", "[s]\r\nk=" + std::string(300, 'x') + "\r\n"), "s", "k").Value(), std::string(254, 'x'));  // the caller's buffer
+    const cInifile missing = iniAt(dir.path("absent.ini"), "q_rast", "name", "fallback");
     EXPECT_EQ(missing.Value(), "fallback");
     EXPECT_TRUE(missing.EnumerateAllSections().empty());
     EXPECT_EQ(iniAt(dir.path(""), "q_rast", "name").Value(), "");  // a folder
@@ -74,9 +70,8 @@ TEST(cInifile, BrokenFilesReadWithoutFault)
 {
     const test::TempFolder dir("ini_broken");
     const std::string garbage("\0\xff[\r\r\n]]=[=\n\n[unclosed\n[ok]\n\0k=\0v\n"s);
-    cInifile ini = iniAt(dir.write("bad.ini", garbage), "ok");
+    cInifile ini = iniAt(dir.write("bad.ini", garbage), "ok", "\0k"s);
     EXPECT_EQ(ini.EnumerateAllSections(), (std::vector<std::string>{"ok"}));
-    ini.setKey("\0k"s);
     EXPECT_EQ(ini.Value(), "\0v"s);
 }
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <random>
 #include <string>
 #include <string_view>
@@ -21,26 +22,18 @@ namespace {
 
 using namespace tarabix;
 
-struct Division {
-    int16_t raw;
-    double msPerTickAtDefaultTempo;  // SMPTE divisions ignore the tempo
-};
-
 // SMPTE: high byte the negative frame rate, low byte ticks per frame.
-int16_t smpteDivision(int framesPerSecond, int ticksPerFrame)
+constexpr int16_t smpte(int framesPerSecond, int ticksPerFrame)
 {
     return static_cast<int16_t>(static_cast<uint16_t>((256 - framesPerSecond) << 8 | ticksPerFrame));
 }
 
-const std::vector<Division>& divisions()
+const int16_t kDivisions[] = {24, 96, 120, 480, 960, 1, smpte(24, 40), smpte(25, 40), smpte(29, 80), smpte(30, 100)};
+
+// SMPTE divisions ignore the tempo.
+double msPerTickAtDefaultTempo(int16_t division)
 {
-    static const std::vector<Division> list = {
-        {24, 500.0 / 24},   {96, 500.0 / 96},   {120, 500.0 / 120},
-        {480, 500.0 / 480}, {960, 500.0 / 960}, {1, 500.0},
-        {smpteDivision(24, 40), 1000.0 / (24 * 40)},   {smpteDivision(25, 40), 1000.0 / (25 * 40)},
-        {smpteDivision(29, 80), 1000.0 / (29.97 * 80)}, {smpteDivision(30, 100), 1000.0 / (30 * 100)},
-    };
-    return list;
+    return division > 0 ? 500.0 / division : 1000.0 / ((256 - (static_cast<uint16_t>(division) >> 8)) * (division & 0xFF));
 }
 
 const char* const kMarkers[] = {"Q:Rast/0", "Q:Bayati/2", "q:saba/7",  "Q:Hijaz/11", "Q:Nahawand/5",
@@ -54,36 +47,31 @@ public:
     std::string make()
     {
         m_events.clear();
-        const Division& div = divisions()[pick(0, static_cast<int>(divisions().size()) - 1)];
+        const int16_t division = kDivisions[pick(0, std::size(kDivisions) - 1)];
         const int tracks = pick(1, 5);
         const bool format0 = tracks == 1 && pick(0, 1) == 0;
-        // Ticks for the wanted length at the default tempo; tempo changes keep within half to twice it.
-        const double lengthMs = pick(1000, 5000);
-        const int32_t lastTick = static_cast<int32_t>(lengthMs / div.msPerTickAtDefaultTempo) + 1;
+        // Ticks for 1 to 5 s at the default tempo; tempo changes keep within half to twice it.
+        const int32_t lastTick = static_cast<int32_t>(pick(1000, 5000) / msPerTickAtDefaultTempo(division)) + 1;
 
         if (pick(0, 1))
             m_events.meta(0, 0, midimeta::kTrackName, "soak piece");
         m_events.meta(0, 0, midimeta::kTimeSignature, std::string{4, 2, 24, 8});
         // SMPTE pieces carry tempo events too: their timing must ignore them.
-        const int changes = pick(0, 4);
-        for (int i = 0; i < changes; ++i)
+        for (int changes = pick(0, 4); changes > 0; --changes)
             m_events.tempo(0, pick(0, lastTick), pick(250000, 1000000));
         for (int t = 0; t < tracks; ++t)
             fillTrack(t, lastTick);
 
         MidiFile file;
         file.setMidiFileFormat(format0 ? 0 : 1);
-        file.setMidiHdrDivision(div.raw);
+        file.setMidiHdrDivision(division);
         if (const int32_t status = file.setFromList(m_events.events())) {
             std::fprintf(stderr, "tarabix-soak-pieces: setFromList status %d\n", status);
             return {};
         }
-        std::string bytes = file.makeMidiStr();
         // Our writer leaves system exclusive messages out, as the player never sends them; a piece
         // from elsewhere may still carry them, so some pieces get a track of them added by hand.
-        if (!format0 && pick(0, 2) == 0)
-            bytes = withSysExTrack(bytes, lastTick);
-        return bytes;
+        return !format0 && pick(0, 2) == 0 ? withSysExTrack(file.makeMidiStr(), lastTick) : file.makeMidiStr();
     }
 
 private:
@@ -101,25 +89,19 @@ private:
         if (pick(0, 1))
             m_events.meta(track, 0, midimeta::kInstrumentName, "oud");
         channel(track, 0, midistatus::kProgramChange | ch, pick(0, 127), 0);
-        const int notes = pick(0, 40);
-        for (int i = 0; i < notes; ++i) {
+        for (int notes = pick(0, 40); notes > 0; --notes) {
             const int32_t on = pick(0, lastTick);
             const int32_t off = std::min(lastTick, on + pick(0, lastTick / 4 + 1));
             const int key = pick(0, 127);
             const int noteCh = pick(0, 5) == 0 ? pick(0, 15) : ch;
-            if (pick(0, 3) == 0) {
-                // A quarter tone: the wheel moves while the channel is silent, then comes back.
+            if (pick(0, 3) == 0)  // a quarter tone: the wheel moves while the channel is silent, then comes back
                 m_events.pitchWheel(track, on, static_cast<uint8_t>(noteCh), pick(-4, 4) * 50);
-            }
             channel(track, on, midistatus::kNoteOn | noteCh, key, pick(1, 127));
             // Half the notes end with a note-on of velocity 0, as many writers do.
-            if (pick(0, 1))
-                channel(track, off, midistatus::kNoteOff | noteCh, key, pick(0, 127));
-            else
-                channel(track, off, midistatus::kNoteOn | noteCh, key, 0);
+            const bool noteOff = pick(0, 1) != 0;
+            channel(track, off, (noteOff ? midistatus::kNoteOff : midistatus::kNoteOn) | noteCh, key, noteOff ? pick(0, 127) : 0);
         }
-        const int others = pick(0, 10);
-        for (int i = 0; i < others; ++i) {
+        for (int others = pick(0, 10); others > 0; --others) {
             const int32_t tick = pick(0, lastTick);
             switch (pick(0, 6)) {
             case 0: channel(track, tick, midistatus::kProgramChange | pick(0, 15), pick(0, 127), 0); break;
@@ -146,11 +128,10 @@ private:
         std::string body;
         const int messages = pick(1, 4);
         for (int i = 0; i < messages; ++i) {
-            std::string data;
-            const int n = pick(0, 20);
-            for (int b = 0; b < n; ++b)
-                data.push_back(static_cast<char>(pick(0, 127)));
-            data.push_back(static_cast<char>(0xF7));
+            std::string data(static_cast<size_t>(pick(0, 20)), '\0');
+            for (char& b : data)
+                b = static_cast<char>(pick(0, 127));
+            data += '\xF7';
             body += vlq(static_cast<uint32_t>(pick(0, lastTick / messages))) + '\xF0' + vlq(static_cast<uint32_t>(data.size())) + data;
         }
         body += std::string("\x00\xFF\x2F\x00", 4);
@@ -176,17 +157,15 @@ int main(int argc, char* argv[])
     }
     const std::string dir = argv[1];
     const int count = std::atoi(argv[2]);
-    const uint32_t seed = argc > 3 ? static_cast<uint32_t>(std::strtoul(argv[3], nullptr, 10)) : 1;
-    PieceMaker maker(seed);
+    PieceMaker maker(argc > 3 ? static_cast<uint32_t>(std::strtoul(argv[3], nullptr, 10)) : 1);
     for (int i = 0; i < count; ++i) {
         const std::string bytes = maker.make();
-        if (bytes.empty())
-            return 1;
         char name[32];
         std::snprintf(name, sizeof name, "/random-%04d.mid", i);
-        std::FILE* f = std::fopen((dir + name).c_str(), "wb");
-        if (!f || std::fwrite(bytes.data(), 1, bytes.size(), f) != bytes.size() || std::fclose(f) != 0) {
-            std::fprintf(stderr, "tarabix-soak-pieces: cannot write %s%s\n", dir.c_str(), name);
+        const std::string path = dir + name;
+        std::ofstream out(path, std::ios::binary);
+        if (bytes.empty() || !out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())) || (out.close(), !out)) {
+            std::fprintf(stderr, "tarabix-soak-pieces: cannot write %s\n", path.c_str());
             return 1;
         }
     }
