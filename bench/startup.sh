@@ -18,16 +18,9 @@ cold=${3:-}
 bin=$build/bin/tarabix
 [[ -x $bin ]] || { echo "no $bin: build the tarabix target first" >&2; exit 1; }
 
-scratch=$(mktemp -d)
-xvfb_pid=
-cleanup() {
-    [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
-    rm -rf "$scratch"
-}
-trap cleanup EXIT
-
 source "$here/../scripts/virtual-display.sh"
-start_virtual_display "$scratch"
+
+start_virtual_display
 cd "$scratch"
 
 cached_files() {

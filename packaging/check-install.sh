@@ -10,13 +10,7 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-build}
 [[ $build = /* ]] || build=$here/$build
 
-scratch=$(mktemp -d)
-xvfb_pid=
-cleanup() {
-    [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
-    rm -rf "$scratch"
-}
-trap cleanup EXIT
+source "$here/scripts/virtual-display.sh"
 prefix=$scratch/prefix
 failures=0
 check() {  # description, command...
@@ -51,8 +45,7 @@ if command -v xdg-mime >/dev/null && command -v update-mime-database >/dev/null;
         test "$(xdg-mime query default application/x-tarabix-mzf)" = tarabix.desktop
 fi
 
-source "$here/scripts/virtual-display.sh"
-start_virtual_display "$scratch"
+start_virtual_display
 mkdir -p "$scratch/elsewhere"
 report=$(cd "$scratch/elsewhere" && timeout 30 "$prefix/bin/tarabix" --startup-report 2>/dev/null || true)
 echo "     $report"

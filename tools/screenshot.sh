@@ -26,18 +26,10 @@ if ((${#need[@]})); then
     $sudo apt-get update -qq && $sudo apt-get install -y -qq --no-install-recommends "${need[@]}" >/dev/null
 fi
 
-scratch=$(mktemp -d)
-xvfb_pid= app_pid=
-cleanup() {
-    [[ -n $app_pid ]] && kill "$app_pid" 2>/dev/null
-    [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
-    rm -rf "$scratch"
-}
-trap cleanup EXIT
-
 source "$here/scripts/virtual-display.sh"
+
 # Default settings, so the picture shows what a newcomer sees.
-start_virtual_display "$scratch"
+start_virtual_display
 
 "$bin" "$piece" >"$scratch/tarabix.log" 2>&1 &
 app_pid=$!
