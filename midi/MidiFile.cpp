@@ -19,7 +19,6 @@ namespace tarabix {
 namespace {
 
 constexpr const char* kSource = "MidiFile";
-constexpr int32_t kDefaultTempo = 500000;  // microseconds per quarter note until a tempo event
 constexpr int32_t kEventsPerClockLook = 4096;
 
 // Hands out the events of all tracks in playing order: the smallest absTick first, the lowest
@@ -264,22 +263,27 @@ int32_t MidiFile::stampTicksPerQuarter()
             return midierr::kOverflow;
         if (m_division == 0)
             return midierr::kDivisionByZero;
-        const double ms = lastTempoMs + *ticks * msPerQuarter / m_division;
+        const double ms = msAfterTempo(lastTempoMs, *ticks, msPerQuarter, m_division);
         const std::optional<int32_t> absMS = roundHalfEvenToInt32(ms);
         if (!absMS)
             return midierr::kOverflow;
         e.absMS = *absMS;
         if (e.isMeta(midimeta::kTempo)) {
-            // Fewer than four data bytes are taken as if padded with zeros on the left, so the usual
-            // three give the 24-bit tempo.
-            const std::string_view data = std::string_view(e.eData).substr(1);
-            msPerQuarter = static_cast<int32_t>(readBigEndian(data.substr(0, 4))) / 1000.0;
+            msPerQuarter = msPerQuarterOf(e);
             lastTempoTick = e.absTick;
             lastTempoMs = e.absMS;
         }
         maybeYield(sinceCheck);
     }
     return 0;
+}
+
+double MidiFile::msPerQuarterOf(const MidiEvent& tempoEvent)
+{
+    // Fewer than four data bytes are taken as if padded with zeros on the left, so the usual three
+    // give the 24-bit tempo.
+    const std::string_view data = std::string_view(tempoEvent.eData).substr(1);
+    return static_cast<int32_t>(readBigEndian(data.substr(0, 4))) / 1000.0;
 }
 
 int32_t MidiFile::setFromList(std::span<const ListedEvent> events)

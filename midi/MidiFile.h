@@ -27,6 +27,16 @@ public:
     static constexpr int32_t kNotAHeaderChunk = -1;
     static constexpr int32_t kShortHeader = -2;
     static constexpr int16_t kDefaultDivision = static_cast<int16_t>(0xE728);  // 1000 ticks a second
+    static constexpr int32_t kDefaultTempo = 500000;  // microseconds per quarter note until a tempo event
+
+    // The tempo map's two rules, shared by the stamping of events and the beat grid: the length of
+    // a quarter note a tempo event (FF 51) sets, and the time of a tick `ticksSinceTempo` ticks
+    // after the last tempo change, which fell at tempoMs (before rounding to whole milliseconds).
+    static double msPerQuarterOf(const MidiEvent& tempoEvent);
+    static double msAfterTempo(int32_t tempoMs, double ticksSinceTempo, double msPerQuarter, int32_t division)
+    {
+        return tempoMs + ticksSinceTempo * msPerQuarter / division;
+    }
 
     MidiFile() { clear(); }
 

@@ -5,6 +5,9 @@
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace tarabix {
 
 namespace {
@@ -20,16 +23,16 @@ constexpr const char* kSource = "MidiPlayer";
     throw MidiError(midierr::kOverflow, kSource);
 }
 
-int32_t add(int32_t a, int32_t b)
+int32_t sub(int32_t a, int32_t b)
 {
-    if (auto r = checkedAdd(a, b))
+    if (auto r = checkedSub(a, b))
         return *r;
     raiseOverflow();
 }
 
-int32_t sub(int32_t a, int32_t b)
+int32_t mul(int32_t a, int32_t b)
 {
-    if (auto r = checkedSub(a, b))
+    if (auto r = checkedMul(a, b))
         return *r;
     raiseOverflow();
 }
@@ -64,13 +67,6 @@ void MidiPlayer::setTheMidi(const MidiFile* midi)
     m_merged = MergedTracks(midi);
 }
 
-void MidiPlayer::setPlaySpeedRatio(float ratio)
-{
-    m_playSpeedRatio = ratio;
-    m_refPieceMs = m_curPieceMs;
-    m_refRealMs = m_curRealMs;
-}
-
 void MidiPlayer::reposition(int32_t absMSec)
 {
     m_repositionRequested = true;
@@ -81,12 +77,12 @@ void MidiPlayer::clear()
 {
     m_theMidi = nullptr;
     m_merged = MergedTracks();
+    m_plan = {};
     m_stopRequested = false;
     m_skipRequested = false;
     m_repositionRequested = false;
     m_stopOffsetMSec_midi = 0;
-    m_playSpeedRatio = 1.0f;
-    m_refPieceMs = m_refRealMs = m_curPieceMs = m_curRealMs = 0;
+    m_schedule = PracticeSchedule();
     m_repositionTarget = 0;
     m_minSilenceAlertMS = 0;
 }
@@ -97,8 +93,7 @@ void MidiPlayer::resetPlayState()
     m_stopRequested = false;
     m_skipRequested = false;
     m_stopOffsetMSec_midi = 0;
-    m_playSpeedRatio = 1.0f;
-    m_refPieceMs = m_refRealMs = m_curPieceMs = m_curRealMs = 0;
+    m_schedule = PracticeSchedule();
     m_repositionRequested = false;
     m_repositionTarget = 0;
     m_catchUpTolerance = 1.0f;
@@ -106,67 +101,99 @@ void MidiPlayer::resetPlayState()
 
 void MidiPlayer::play()
 {
-    int32_t start = m_startOffsetMSecMidi;
     m_merged = MergedTracks(m_theMidi);
+    m_beatGrid = m_theMidi ? BeatGrid(*m_theMidi) : BeatGrid();
+    if (practicePlanProblem(m_plan, m_theMidi ? m_theMidi->allLastAbsMSec() : 0))
+        throw MidiError(midierr::kInvalidArgument, kSource);
+    m_schedule.start(m_plan);
+    int32_t start = m_startOffsetMSecMidi;
+    if (const auto& loop = m_plan.loop; loop && !(start >= loop->fromMs && start < loop->toMs))
+        start = loop->fromMs;
+    beginStretch(start, m_plan.countInBeats, m_clock.now(), true);
 
-    bool restart = true;
-    while (restart) {
-        restart = false;
-        m_stopRequested = m_skipRequested = m_repositionRequested = false;
-        m_merged.seek(start);
-        if (chase)
-            chase(start);
-        // The clock time of piece time 0 at the current speed, so that `start` is due now.
-        int32_t timeBase =
-            sub(m_clock.now(), nearest(realMsSinceReference(start) + static_cast<double>(m_refRealMs)));
-
-        for (;;) {
-            const int32_t track = m_merged.nextTrack();
-            if (track < 0)
-                break;
-            const MidiEvent& event = m_merged.nextEvent(track);
-            const int32_t due = dueTime(event.absMS, timeBase);
-            m_currentDueMs = due;
-            const int32_t late = sub(m_clock.now(), due);
-            if (late > kCatchUpThresholdMs) {
-                timeBase = add(timeBase, nearest(static_cast<double>(m_catchUpTolerance) * late));
-            } else if (late < 0 && sub(0, late) >= m_minSilenceAlertMS) {
-                if (silenceAlert)
-                    silenceAlert(sub(0, late));
-            }
-            if (waitFor(due, timeBase) == WaitEnd::Reposition) {
-                start = m_repositionTarget;
-                restart = true;
-                break;
-            }
-            m_curPieceMs = event.absMS;
-            m_curRealMs = sub(m_clock.now(), timeBase);
-            if (m_stopRequested) {
-                m_stopOffsetMSec_midi = event.absMS;
-                break;
-            }
-            deliver(track, event);
-            m_merged.advance(track);
+    for (;;) {
+        const Moment next = nextMoment();
+        if (next.kind == Moment::PieceEnd)
+            break;
+        const int32_t due = m_schedule.due(next.pieceMs);
+        m_currentDueMs = due;
+        keepUp(due, next.kind == Moment::Event);
+        if (waitFor(due) == WaitEnd::Reposition) {
+            beginStretch(m_repositionTarget, 0, m_clock.now(), false);
+            continue;
         }
+        if (m_stopRequested) {
+            m_stopOffsetMSec_midi = std::max(next.pieceMs, m_stretch.startMs);
+            break;
+        }
+        m_schedule.played(next.pieceMs, m_clock.now());
+        if (next.kind == Moment::LoopEnd && !m_schedule.anotherPass())
+            break;
+        act(next);
     }
     if (donePB)
         donePB();
 }
 
-// Real ms from the last speed change to piece time pieceMs at the current speed.
-double MidiPlayer::realMsSinceReference(int32_t pieceMs) const
+// The stretch's first moment, its count-in's first click or fromMs, is due at exactly clockMs.
+void MidiPlayer::beginStretch(int32_t fromMs, int32_t countIn, double clockMs, bool newPass)
 {
-    if (m_playSpeedRatio == 0.0f)
-        throw MidiError(midierr::kDivisionByZero, kSource);
-    return static_cast<double>(sub(pieceMs, m_refPieceMs)) / static_cast<double>(m_playSpeedRatio);
+    m_stopRequested = m_skipRequested = m_repositionRequested = false;
+    const auto& loop = m_schedule.plan().loop;
+    m_stretch.startMs = fromMs;
+    m_stretch.loopEndMs = loop && fromMs < loop->toMs ? std::optional(loop->toMs) : std::nullopt;
+    m_stretch.countIn = m_stretch.countInLeft = countIn;
+    m_stretch.beat = m_beatGrid.beatAt(fromMs);
+    const int32_t firstMs = sub(fromMs, mul(countIn, m_stretch.beat.beatMs));
+    m_schedule.anchor(firstMs, clockMs);
+    m_merged.seek(fromMs);
+    // Up to B; without a loop the grid itself ends at the piece's last event.
+    const int32_t untilMs = m_stretch.loopEndMs.value_or(std::numeric_limits<int32_t>::max());
+    m_stretch.beats = beatClick ? m_beatGrid.beats(fromMs, untilMs) : std::vector<BeatTime>();
+    m_stretch.nextBeat = 0;
+    m_currentDueMs = m_schedule.due(firstMs);
+    if (chase)
+        chase(fromMs);
+    if (newPass && passStarted)
+        passStarted(m_schedule.pass(), static_cast<float>(m_schedule.speed()));
 }
 
-int32_t MidiPlayer::dueTime(int32_t absMS, int32_t timeBase) const
+// The count-in's clicks first; then the earliest of the next beat (while the clicks are on), the
+// next event and the loop's end.
+MidiPlayer::Moment MidiPlayer::nextMoment()
 {
-    return nearest(realMsSinceReference(absMS) + static_cast<double>(add(m_refRealMs, timeBase)));
+    Stretch& s = m_stretch;
+    if (s.countInLeft > 0)
+        return {Moment::CountIn, s.startMs - s.countInLeft * s.beat.beatMs};
+    const int32_t track = m_merged.nextTrack();
+    Moment next{Moment::PieceEnd};
+    if (track >= 0)
+        next = {Moment::Event, m_merged.nextEvent(track).absMS, track};
+    if (s.loopEndMs && (track < 0 || next.pieceMs >= *s.loopEndMs))
+        next = {Moment::LoopEnd, *s.loopEndMs};
+    for (; s.nextBeat < s.beats.size(); ++s.nextBeat) {
+        const BeatTime& beat = s.beats[s.nextBeat];
+        if (next.kind == Moment::PieceEnd || beat.ms > next.pieceMs)
+            break;
+        if (m_clickEveryBeat)
+            return {Moment::Beat, beat.ms};
+    }
+    return next;
 }
 
-MidiPlayer::WaitEnd MidiPlayer::waitFor(int32_t due, int32_t& timeBase)
+// A long wait for an event is told to the owner.
+void MidiPlayer::keepUp(int32_t due, bool pieceEvent)
+{
+    const int32_t late = sub(m_clock.now(), due);
+    if (late > kCatchUpThresholdMs) {
+        m_schedule.moveBy(nearest(static_cast<double>(m_catchUpTolerance) * late));
+    } else if (pieceEvent && late < 0 && sub(0, late) >= m_minSilenceAlertMS) {
+        if (silenceAlert)
+            silenceAlert(sub(0, late));
+    }
+}
+
+MidiPlayer::WaitEnd MidiPlayer::waitFor(int32_t due)
 {
     for (;;) {
         if (due <= m_clock.now())
@@ -177,12 +204,44 @@ MidiPlayer::WaitEnd MidiPlayer::waitFor(int32_t due, int32_t& timeBase)
         if (m_repositionRequested)
             return WaitEnd::Reposition;
         if (m_skipRequested) {
-            // The rest of this silence is dropped: the whole schedule moves earlier by it. The
-            // request is used up, so the next silence is waited out again.
+            // The rest of this wait is dropped: the whole schedule moves earlier by it, and what
+            // was waited for is due now. The request is used up, so the next wait is waited out.
             m_skipRequested = false;
-            timeBase = sub(timeBase, sub(due, m_clock.now()));
+            m_schedule.moveBy(sub(m_clock.now(), due));
+            m_currentDueMs = m_clock.now();
             return WaitEnd::Due;
         }
+    }
+}
+
+void MidiPlayer::act(const Moment& moment)
+{
+    Stretch& s = m_stretch;
+    switch (moment.kind) {
+    case Moment::CountIn: {
+        const int32_t left = s.countInLeft--;
+        if (countInBeat)
+            countInBeat(left, left == s.countIn || left % std::max(s.beat.beatsPerBar, 1) == 0);
+        break;
+    }
+    case Moment::Beat:
+        if (beatClick)
+            beatClick(s.beats[s.nextBeat].downbeat);
+        ++s.nextBeat;
+        break;
+    case Moment::Event:
+        deliver(moment.track, m_merged.nextEvent(moment.track));
+        m_merged.advance(moment.track);
+        break;
+    case Moment::LoopEnd: {
+        // The next pass starts exactly when B is due, from the unrounded moment.
+        const double endMs = m_schedule.exactDue(*s.loopEndMs);
+        m_schedule.nextPass();
+        beginStretch(m_schedule.plan().loop->fromMs, m_schedule.plan().countInBeats, endMs, true);
+        break;
+    }
+    case Moment::PieceEnd:
+        break;
     }
 }
 

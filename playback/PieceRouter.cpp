@@ -21,10 +21,15 @@ void PieceRouter::resetChannelState()
 {
     m_cents.fill(0);
     m_sounding.fill(0);
+    m_struck.fill(false);
 }
 
 void PieceRouter::startFrom(const MidiFile* piece, int32_t fromMs)
 {
+    for (int ch = 0; ch < kMidiChannels; ++ch) {
+        if (m_struck[ch])
+            silenceChannel(ch);
+    }
     resetChannelState();
     if (!piece || fromMs <= 0)
         return;
@@ -38,6 +43,7 @@ void PieceRouter::silenceChannel(int ch)
     midiOutShortMsg(packShortMessage(status, midicc::kSustain, 0));
     midiOutShortMsg(packShortMessage(status, midicc::kAllNotesOff, 0));
     m_sounding.at(ch) = 0;
+    m_struck.at(ch) = false;
 }
 
 void PieceRouter::route(uint8_t status, uint8_t c1, uint8_t c2)
@@ -75,6 +81,7 @@ void PieceRouter::noteOn(int ch, int note, uint8_t velocity)
         markNote(ch, note, m_cents[ch]);
     midiNoteOn(ch, note, m_cents[ch], roundHalfEvenInt(static_cast<double>(m_volume) * velocity / 127.0));
     ++m_sounding[ch];
+    m_struck[ch] = true;
 }
 
 void PieceRouter::noteOff(int ch, int note)

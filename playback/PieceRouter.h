@@ -38,7 +38,9 @@ public:
 
     // Every start of the player (its chase): nothing sounds any more, and past the very beginning
     // the channels get the piece's programs, controllers and pitch wheels (hence their cents) as
-    // they stand at fromMs, through the same rules as the piece's own messages. A start at 0 sends
+    // they stand at fromMs, through the same rules as the piece's own messages. Channels that
+    // struck a note since the last start are cut first (silenceChannel), so a loop's jump leaves
+    // nothing of its last pass ringing, pedalled notes included. A first start at 0 sends
     // nothing: the piece sets its channels up itself.
     void startFrom(const MidiFile* piece, int32_t fromMs);
 
@@ -68,6 +70,7 @@ private:
     std::array<bool, kMidiChannels> m_shown{};
     std::array<int32_t, kMidiChannels> m_cents{};
     std::array<int32_t, kMidiChannels> m_sounding{};
+    std::array<bool, kMidiChannels> m_struck{};  // a note-on since the last start or cut
     int32_t m_volume = kDefaultVolume;
     int32_t m_midiOctShift = 0;
 };

@@ -2,6 +2,7 @@
 #include "PieceBuilder.h"
 #include "PitchEstimator.h"
 #include "TestFiles.h"
+#include "playback/Metronome.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceChase.h"
 #include "playback/PieceRender.h"
@@ -197,6 +198,45 @@ TEST(PieceChase, AJumpBackAcrossASoundingNoteLetsTheReplayedWheelCount)
     ASSERT_GE(sent.size(), 2u);
     EXPECT_EQ(Sent(sent.end() - 2, sent.end()), (Sent{{1000, 0x3000E0}, {1000, 0x643C90}}));
     EXPECT_EQ(rig.router.channelCents(0), -50);
+}
+
+// A loop 1000..2000 counted in by one 500 ms click: at the jump, when B is due (1500), the notes
+// still sounding are cut and program 5 and the centred wheel of A come back, not program 7 and
+// the quarter tone set inside the loop.
+TEST(PieceChase, ALoopsJumpCutsWhatSoundsAndRestoresTheChannelsAsTheyStandAtA)
+{
+    const MidiFile piece = pieceOf({{0, 0xC0, 5}, {1000, 0x90, 60, 100}, {1100, 0x80, 60}, {1200, 0xC0, 7},
+                                    {1300, 0xE0, 0x00, 0x50}, {1400, 0x90, 62, 100}, {2500, 0x80, 62}});
+    PlayerRig rig;
+    std::vector<std::pair<int32_t, int32_t>> chases;  // where from, and the due time meanwhile
+    rig.player.chase = [&](int32_t fromMs) {
+        chases.emplace_back(fromMs, rig.player.currentDueMs());
+        rig.router.startFrom(&piece, fromMs);
+    };
+    rig.player.setPractice({LoopRange{1000, 2000}, 2, std::nullopt, 1});
+    Sent atJump;
+    for (const RecordedMessage& m : rig.play(piece, 0))
+        if (m.timeMs >= 1500 && m.timeMs <= 2000)
+            atJump.push_back(m);
+    EXPECT_EQ(chases, (std::vector<std::pair<int32_t, int32_t>>{{1000, 0}, {1000, 1500}}));
+    EXPECT_EQ(atJump, (Sent{{1500, 0x0040B0}, {1500, 0x007BB0}, {1500, 0x0005C0}, {2000, 0x4000E0}, {2000, 0x643C90}}));
+}
+
+// The wood blocks on channel 10 at the set velocity, each click ending the one before; at volume
+// 0 a click only ends the last one.
+TEST(Metronome, ClicksAWoodBlockOnChannel10AndEndsTheLastClickFirst)
+{
+    PlayerRig rig;
+    Metronome metronome;
+    metronome.setVolume(90);
+    metronome.click(true);
+    metronome.click(false);
+    metronome.setVolume(0);
+    metronome.click(true);
+    metronome.click(false);
+    metronome.setVolume(200);
+    metronome.click(false);
+    EXPECT_EQ(rig.recording->words(), (Words{0x5A4C99, 0x004C89, 0x5A4D99, 0x004D89, 0x7F4D99}));
 }
 
 // The same piece rendered from inside: the learner hears note 60 a quarter tone up.

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -111,6 +113,57 @@ TEST(CliCommands, PlayFromStartsThereAndRefusesBadOptions)
 
     for (const std::string arguments : {"--latency 0", "--speed 0", "--device x", "--from"})
         EXPECT_EQ(runCli("play " + kSamai + " --device null " + arguments).exitCode, 2) << arguments;
+}
+
+// play --loop: the timing log holds the passes one after the other, each event due exactly
+// (B - A) / speed = 200 ms after its turn in the pass before; a plan that cannot be played exits
+// with its sentence (or the usage) and writes no log.
+TEST(CliCommands, PlayLoopLogsItsPassesInTimeAndRefusesBadPlans)
+{
+    const std::string log = scratch("loop.csv");
+    ASSERT_EQ(runCli("play " + kSamai + " --device null --speed 20 --loop 10:14 --passes 3 --timing-log " + log).exitCode, 0);
+    std::ifstream in(log);
+    std::string line;
+    ASSERT_TRUE(std::getline(in, line) && line == "absMS,due_ms,sent_ms") << line;
+    std::vector<std::vector<std::pair<int, double>>> passes;  // absMS and due time of each event
+    for (int previous = INT_MAX; std::getline(in, line);) {
+        std::pair<int, double> event;
+        ASSERT_EQ(std::sscanf(line.c_str(), "%d,%lf", &event.first, &event.second), 2) << line;
+        if (event.first < previous)
+            passes.emplace_back();
+        passes.back().push_back(event);
+        previous = event.first;
+    }
+    std::filesystem::remove(log);
+    ASSERT_EQ(passes.size(), 3u);
+    EXPECT_TRUE(passes[0].size() > 5 && passes[0].front().first >= 10000 && passes[0].back().first < 14000);
+    for (size_t k = 1; k < passes.size(); ++k) {
+        ASSERT_EQ(passes[k].size(), passes[0].size());
+        for (size_t i = 0; i < passes[k].size(); ++i) {
+            EXPECT_EQ(passes[k][i].first, passes[0][i].first);
+            EXPECT_EQ(passes[k][i].second - passes[k - 1][i].second, 200.0) << "pass " << k << ", event " << i;
+        }
+    }
+
+    struct Refusal { const char* arguments; const char* firstLine; };
+    const Refusal refusals[] = {
+        {"--loop 14:10 --passes 2", "tarabix-cli play: The loop's end (B) must come after its start (A)."},
+        {"--loop 10:9999 --passes 2", "tarabix-cli play: The loop must lie inside the piece, which runs from 0:00.0 to "},
+        {"--loop 10:14 --passes 2 --ramp 120:10", "tarabix-cli play: The tempo ramp starts at 120 %, above the most it may reach (100 %)."},
+        {"--loop 10:14 --passes 2 --ramp 50:0", "tarabix-cli play: The tempo ramp must speed up by at least 1 % a pass."},
+        {"--count-in 17", "tarabix-cli play: The count-in must be 0 to 16 beats."},
+        {"--loop 10:x --passes 2", "usage: tarabix-cli play"},
+        {"--loop 10:14 --passes 0", "usage: tarabix-cli play"},
+        {"--loop 10:14", "usage: tarabix-cli play"},
+        {"--passes 2", "usage: tarabix-cli play"},
+        {"--ramp 50", "usage: tarabix-cli play"},
+    };
+    for (const Refusal& r : refusals) {
+        const CliRun run = runCli("play " + kSamai + " --device null --timing-log " + log + " " + r.arguments, true);
+        EXPECT_EQ(run.exitCode, 2) << r.arguments;
+        EXPECT_TRUE(!run.lines.empty() && run.lines.front().starts_with(r.firstLine)) << r.arguments;
+        EXPECT_FALSE(std::filesystem::exists(log)) << r.arguments;
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "midi/MidiError.h"
 #include "midi/MidiFile.h"
 #include "playback/AudioDriverSettings.h"
+#include "playback/Metronome.h"
 #include "playback/MidiPlayer.h"
 #include "playback/PieceRouter.h"
 #include "playback/SoundFontLocator.h"
@@ -27,7 +28,11 @@ int usage()
 {
     std::fputs("usage: tarabix-cli play FILE [--device ID|null] [--speed R] [--from SECONDS] [--timing-log CSV]\n"
                "                       [--precise-timer | --busy-wait] [--soundfont FILE] [--latency MS]\n"
-               "                       [--audio-out OUT.wav]\n",
+               "                       [--audio-out OUT.wav]\n"
+               "                       [--loop A:B --passes N] [--ramp FROM:STEP] [--count-in BEATS]\n"
+               "  --loop A:B      play the passage from A to B seconds N times (N >= 1), keeping time\n"
+               "  --ramp FROM:STEP  pass k at min(100, FROM + k * STEP) % of --speed\n"
+               "  --count-in BEATS  that many clicks before playing and before every pass\n",
                stderr);
     return 2;
 }
@@ -58,6 +63,31 @@ bool writeTimingLog(const std::string& path, const std::vector<TimingRecord>& re
     return std::fclose(f) == 0;
 }
 
+// "A:B" as two numbers parsed by `part`.
+std::optional<std::pair<int32_t, int32_t>> parsePair(const std::string& text,
+                                                     std::optional<int32_t> (*part)(const std::string&))
+{
+    const size_t colon = text.find(':');
+    if (colon == std::string::npos)
+        return std::nullopt;
+    const auto first = part(text.substr(0, colon));
+    const auto second = part(text.substr(colon + 1));
+    if (!first || !second)
+        return std::nullopt;
+    return std::pair{*first, *second};
+}
+
+// Events of the piece a plan plays, once per pass, so the timing log never grows while playing.
+size_t eventsToPlay(const MidiFile& piece, const PracticePlan& plan)
+{
+    size_t events = 0;
+    for (int32_t t = 0; t < piece.numOfTracks(); ++t) {
+        for (const MidiEvent& e : piece.tracks(t)->events())
+            events += !plan.loop || (e.absMS >= plan.loop->fromMs && e.absMS < plan.loop->toMs);
+    }
+    return plan.loop ? events * static_cast<size_t>(plan.passes) : events;
+}
+
 }  // namespace
 
 // Plays the piece in real time through the output layer, waiting in a Qt event loop exactly as
@@ -70,6 +100,7 @@ int play(const Args& args)
     std::string audioOut;
     double speed = 1.0;
     int32_t fromMs = 0;
+    PracticePlan plan;
     QtPlayerWait::Strategy strategy = QtPlayerWait::bestStrategy();
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
@@ -88,6 +119,26 @@ int play(const Args& args)
             if (!value)
                 return usage();
             fromMs = *value;
+        } else if (a == "--loop" && hasValue) {
+            const auto range = parsePair(args[++i], parseSecondsAsMs);
+            if (!range)
+                return usage();
+            plan.loop = LoopRange{range->first, range->second};
+        } else if (a == "--passes" && hasValue) {
+            const auto value = parseInt(args[++i]);
+            if (!value || *value < 1)
+                return usage();
+            plan.passes = *value;
+        } else if (a == "--ramp" && hasValue) {
+            const auto ramp = parsePair(args[++i], parseInt);
+            if (!ramp)
+                return usage();
+            plan.ramp = TempoRamp{ramp->first, ramp->second, 100};
+        } else if (a == "--count-in" && hasValue) {
+            const auto value = parseInt(args[++i]);
+            if (!value)
+                return usage();
+            plan.countInBeats = *value;
         } else if (a == "--soundfont" && hasValue) {
             setSoundFontOverride(args[++i]);
         } else if (a == "--latency" && hasValue) {
@@ -109,7 +160,8 @@ int play(const Args& args)
             return usage();
         }
     }
-    if (input.empty() || (!audioOut.empty() && !device.empty()))
+    // A loop plays a counted number of passes: the command line has no stop button.
+    if (input.empty() || (!audioOut.empty() && !device.empty()) || plan.loop.has_value() != (plan.passes > 0))
         return usage();
 
     MidiFile piece;
@@ -117,6 +169,10 @@ int play(const Args& args)
     if (!loadPiece(input, piece, error)) {
         std::fprintf(stderr, "tarabix-cli play: %s\n", error.c_str());
         return 1;
+    }
+    if (const auto problem = practicePlanProblem(plan, piece.allLastAbsMSec())) {
+        std::fprintf(stderr, "tarabix-cli play: %s\n", problem->c_str());
+        return 2;
     }
 
     int argc = 1;
@@ -146,7 +202,22 @@ int play(const Args& args)
     QtPlayerWait wait(strategy);
     MidiPlayer player(QtPlayerWait::playerClock(clock, wait));
     PieceRouter router;
-    player.chase = [&](int32_t startMs) { router.startFrom(&piece, startMs); };
+    Metronome metronome;
+    // A jump's cut and chase sound when the end of the pass is due, like the events around them.
+    player.chase = [&](int32_t startMs) {
+        const MidiOutDueTime due(player.currentDueMs());
+        router.startFrom(&piece, startMs);
+    };
+    player.countInBeat = [&](int32_t, bool accent) {
+        const MidiOutDueTime due(player.currentDueMs());
+        metronome.click(accent);
+    };
+    if (plan.loop || plan.ramp) {
+        player.passStarted = [&](int32_t pass, float speedRatio) {
+            std::printf("pass %d of %d at speed %.3g\n", pass + 1, plan.loop ? plan.passes : 1, speedRatio);
+            std::fflush(stdout);
+        };
+    }
     std::vector<TimingRecord> timing;
     player.msg = [&](uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec) {
         const MidiOutDueTime due(player.currentDueMs());
@@ -158,12 +229,9 @@ int play(const Args& args)
     player.setPlaySpeedRatio(static_cast<float>(speed));
     player.setTheMidi(&piece);
     player.setStartOffsetMSecMidi(fromMs);
-    if (!timingLogPath.empty()) {
-        size_t events = 0;
-        for (int32_t t = 0; t < piece.numOfTracks(); ++t)
-            events += static_cast<size_t>(piece.tracks(t)->trkNEvents());
-        timing.reserve(events);  // no allocation while playing
-    }
+    player.setPractice(plan);
+    if (!timingLogPath.empty())
+        timing.reserve(eventsToPlay(piece, plan));  // no allocation while playing
 
     int exitCode = 0;
     try {

@@ -17,7 +17,8 @@ constexpr Command kCommands[] = {
     {"devices", "devices [-v]         list the MIDI outputs and their ids (--soundfont FILE)", tarabix::cli::devices},
     {"dump", "dump FILE            write the text dump of a MIDI file", tarabix::cli::dump},
     {"play", "play FILE            play in real time (--device ID|null, --speed R, --from S, --timing-log CSV,\n"
-             "                         --soundfont FILE)",
+             "                         --soundfont FILE; practice: --loop A:B --passes N, --ramp FROM:STEP,\n"
+             "                         --count-in BEATS)",
      tarabix::cli::play},
     {"render", "render FILE -o OUT.wav  write the piece as audio (--speed R, --octave N, --volume V,\n"
              "                         --soundfont FILE)",
