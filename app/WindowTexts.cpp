@@ -28,6 +28,15 @@ QString noFileLabelText()
     return QStringLiteral("[No file is opened]");
 }
 
+QString loopPointText(int32_t ms)
+{
+    const int32_t tenths = roundHalfEvenInt(ms / 100.0);
+    return QStringLiteral("%1:%2.%3")
+        .arg(tenths / 600)
+        .arg(tenths / 10 % 60, 2, 10, QLatin1Char('0'))
+        .arg(tenths % 10);
+}
+
 int32_t positionRangeSeconds(int32_t lengthMs)
 {
     return roundHalfEvenInt(lengthMs / 1000.0);
@@ -38,9 +47,9 @@ float speedRatioForSlider(int value)
     return static_cast<float>(std::pow(2.0, value / 2.0));
 }
 
-QString speedRatioText(float ratio)
+int sliderValueForSpeedRatio(float ratio)
 {
-    return QString::number(static_cast<double>(ratio), 'f', 2);
+    return static_cast<int>(std::lround(2.0 * std::log2(static_cast<double>(ratio))));
 }
 
 }  // namespace tarabix

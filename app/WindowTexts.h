@@ -10,6 +10,9 @@ namespace tarabix {
 // milliseconds rounded to whole seconds halves to even ("001:15" for 75 400 ms).
 QString pieceTimeText(int32_t ms);
 
+// A loop's end to the tenth of a second, as the practice row shows it: "1:05.3".
+QString loopPointText(int32_t ms);
+
 // The file label: "[ name ]" with the name after the last '/' or '\', cut to 15 characters and
 // "..." when longer than 16.
 QString fileLabelText(const QString& path);
@@ -20,6 +23,7 @@ int32_t positionRangeSeconds(int32_t lengthMs);
 
 // The speed slider: each step multiplies the speed by the square root of 2, 0 is normal speed.
 float speedRatioForSlider(int value);
-QString speedRatioText(float ratio);  // "#0.00": "1.00", "0.71", "12.50"
+// The slider value whose speed lies nearest the ratio (on the slider's logarithmic scale).
+int sliderValueForSpeedRatio(float ratio);
 
 }  // namespace tarabix

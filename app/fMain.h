@@ -1,11 +1,13 @@
 #pragma once
 
+#include "app/PracticeSetup.h"
 #include "base/MonotonicClock.h"
 #include "midi/MidiFile.h"
 #include "oud/model/mMaqams.h"
 #include "oud/model/mUdCtrl.h"
 #include "oud/view/UdDisplay.h"
 #include "playback/MidiPlayer.h"
+#include "playback/Metronome.h"
 #include "playback/PieceRouter.h"
 #include "playback/qt/DelayedMarks.h"
 
@@ -28,7 +30,11 @@ class QTimer;
 
 namespace tarabix {
 
+class CountdownOverlay;
 class HandPlayer;
+class PositionBar;
+class PracticePanel;
+class SpeedPercentBox;
 class UdPictureWidget;
 class UserSettings;
 class QtPlayerWait;
@@ -67,6 +73,7 @@ public:
     UdDisplay* display() { return m_display.get(); }
     UdPictureWidget* fingerboard() { return m_fingerboard; }
     HandPlayer* handPlayer() { return m_hand.get(); }
+    const PracticeSetup& practice() const { return m_practice; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -89,11 +96,11 @@ protected:
     QPushButton* cmdPlay = nullptr;
     QPushButton* cmdPause = nullptr;
     QPushButton* cmdStop = nullptr;
-    QSlider* sldPosition = nullptr;
+    PositionBar* sldPosition = nullptr;
     QLabel* lblPieceTime = nullptr;
     QLabel* lblPieceLength = nullptr;
     QSlider* sldSpeedR = nullptr;
-    QLabel* lblSpeed = nullptr;
+    SpeedPercentBox* udSpeedPercent = nullptr;
     QSlider* sldVolume = nullptr;
     QSpinBox* udMidiOctShift = nullptr;
     QLabel* lblMidiOctShift = nullptr;
@@ -168,11 +175,15 @@ private:
     void cmdPlay_Toggled(bool down);
     void cmdPause_Toggled(bool down);
     void cmdStop_Click();
+    bool countDownStartDelay();
     void startPlaying(int32_t fromMs);
     void pausePlaying();
     void stopPlaying();
     void sldPosition_Change(int seconds);
+    void jumpTo(int32_t ms);
     void sldSpeedR_Change(int value, bool settled);
+    void udSpeedPercent_Change(int percent);
+    void applySpeed(float ratio);
     void udMidiOctShift_Change();
     void m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec);
     void m_mf_p_meta(int16_t track, uint8_t metaType, const std::string& txt, int32_t absMSec);
@@ -181,6 +192,16 @@ private:
     void tmrAct_Timer();
     void showOutputNoticeOnce();
     void setButtonDown(QPushButton* button, bool down);
+
+    // The practice room: loop, ramp, count-in, click, practice memory (fMainPractice.cpp).
+    void connectPractice();
+    int32_t practicePositionMs() const;
+    void setLoopStartHere();
+    void setLoopEndHere();
+    void proposePractice(const PracticeSetup& next);
+    void showPractice();
+    void rememberThisPractice();
+    void restorePractice();
 
     // The window's share of playing by hand: which keys reach the hand player (fMainPlayByHand.cpp).
     void connectPlayByHand();
@@ -215,6 +236,19 @@ private:
     bool m_positionUpdatesSuspended = false;
     bool m_settingButtons = false;  // the program sets the transport buttons: their handlers stay still
     int32_t m_startDelayMs = 0;
+    bool m_countingDown = false;    // the start delay counts down (its waits run the window)
+    bool m_startCancelled = false;  // a stop came while it did
+    CountdownOverlay* m_countdown = nullptr;
+    bool m_countInShown = false;  // the overlay counts the player's count-in, until the first note
+
+    // The practice row and what it holds; the piece time of the event last heard.
+    PracticePanel* m_practicePanel = nullptr;
+    PracticeSetup m_practice;
+    Metronome m_metronome;
+    int32_t m_positionMs = 0;
+    bool m_restoringPractice = false;  // a piece's practice comes back: nothing to remember
+    // The speed the learner chose, from the slider or the percent box.
+    float m_speedRatio = 1.0f;
     float m_catchUpTolerance = 1.0f;
     bool m_deviceHeld = false;
     QString m_shownOutputNotice;

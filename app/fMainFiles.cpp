@@ -3,6 +3,7 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/PositionBar.h"
 #include "app/WindowTexts.h"
 #include "midi/MzfContainer.h"
 #include "midi/PieceFile.h"
@@ -92,6 +93,7 @@ void fMain::openFile(const QString& path, bool quiet)
         if (!quiet)
             message(QMessageBox::Warning, openFailureText(path, read));
         showNoFile();
+        restorePractice();
         return;
     }
     m_mf = piece;
@@ -114,6 +116,7 @@ void fMain::openFile(const QString& path, bool quiet)
     // The piece's own maqam is on the fingerboard before it plays, not only once its marker is due.
     if (const std::optional<MaqamMarker> marker = firstMaqamMarker(*piece, m_maqams))
         applyMaqamMarker(*marker);
+    restorePractice();
 }
 
 void fMain::closeFile()
@@ -129,6 +132,7 @@ void fMain::closeFile()
     lblFile->setText(noFileLabelText());
     lblFile->setToolTip({});
     lblPieceLength->setText(pieceTimeText(0));
+    restorePractice();
 }
 
 void fMain::dragEnterEvent(QDragEnterEvent* event)

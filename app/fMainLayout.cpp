@@ -2,6 +2,11 @@
 // fingerboard filling the middle, the transport under it, the instrument's choices at the bottom.
 #include "app/fMain.h"
 
+#include "app/CountdownOverlay.h"
+#include "app/PositionBar.h"
+#include "app/PracticePanel.h"
+#include "app/SpeedPercentBox.h"
+
 #include <QActionGroup>
 #include <QButtonGroup>
 #include <QComboBox>
@@ -96,6 +101,7 @@ void fMain::buildControls()
     fingerboardHost->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     fingerboardHost->setLayout(new QVBoxLayout);
     fingerboardHost->layout()->setContentsMargins(0, 0, 0, 0);
+    m_countdown = new CountdownOverlay(fingerboardHost);
     boardRow->addWidget(lblRangeLow);
     boardRow->addWidget(fingerboardHost, 1);
     boardRow->addWidget(lblRangeHigh);
@@ -108,8 +114,8 @@ void fMain::buildControls()
     cmdPlay->setPalette(playPalette);
     cmdPause = toggleButton(tr("P&ause"), central);
     cmdStop = new QPushButton(tr("S&top"), central);
-    sldPosition = horizontalSlider(0, 0, 0, central);
-    sldPosition->setToolTip(tr("Position in the piece (seconds)"));
+    sldPosition = new PositionBar(central);
+    sldPosition->setRange(0, 0);
     lblPieceTime = new QLabel(QStringLiteral("000:00"), central);
     lblPieceLength = new QLabel(QStringLiteral("000:00"), central);
     transport->addWidget(cmdPlay);
@@ -119,19 +125,22 @@ void fMain::buildControls()
     transport->addWidget(sldPosition, 1);
     transport->addWidget(lblPieceLength);
     root->addLayout(transport);
+    m_practicePanel = new PracticePanel(central);
+    root->addWidget(m_practicePanel);
 
     auto* controls = new QGridLayout;
-    // Speed in half-octave steps of tempo: 2^(value/2), from a quarter to four times normal.
-    sldSpeedR = horizontalSlider(-4, 4, 0, central);
+    // Speed in half-octave steps of tempo: 2^(value/2), from a quarter to twice normal, the range
+    // of the percent box beside it, so the two always show the same speed.
+    sldSpeedR = horizontalSlider(-4, 2, 0, central);
     sldSpeedR->setPageStep(1);
     sldSpeedR->setTickPosition(QSlider::TicksBelow);
-    lblSpeed = new QLabel(QStringLiteral("1.00"), central);
+    udSpeedPercent = new SpeedPercentBox(central);
     sldVolume = horizontalSlider(0, 127, PieceRouter::kDefaultVolume, central);
     udMidiOctShift = spinner(-3, 3, central);
     lblMidiOctShift = new QLabel(QStringLiteral("+0 Octave"), central);
     controls->addWidget(new QLabel(tr("Speed"), central), 0, 0);
     controls->addWidget(sldSpeedR, 0, 1);
-    controls->addWidget(lblSpeed, 0, 2);
+    controls->addWidget(udSpeedPercent, 0, 2);
     controls->addWidget(new QLabel(tr("Volume"), central), 0, 3);
     controls->addWidget(sldVolume, 0, 4);
     controls->addWidget(new QLabel(tr("Piece octave"), central), 0, 5);

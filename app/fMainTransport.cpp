@@ -4,10 +4,13 @@
 #include "app/fMain.h"
 
 #include "app/AppIdentity.h"
+#include "app/CountdownOverlay.h"
+#include "app/PositionBar.h"
+#include "app/PracticePanel.h"
 #include "app/HandPlayer.h"
 #include "app/ScopedFlag.h"
+#include "app/SpeedPercentBox.h"
 #include "app/WindowTexts.h"
-#include "base/TickSource.h"
 #include "midi/MidiError.h"
 #include "oud/model/Tunings.h"
 #include "playback/mMidiMain.h"
@@ -22,6 +25,8 @@
 #include <QSpinBox>
 #include <QTimer>
 
+#include <cmath>
+
 namespace tarabix {
 
 void fMain::connectTransport()
@@ -35,7 +40,17 @@ void fMain::connectTransport()
         m_mf_p_meta(track, type, txt, absMSec);
     };
     m_player.donePB = [this] { m_mf_p_donePB(); };
-    m_player.chase = [this](int32_t fromMs) { m_router.startFrom(m_player.theMidi(), fromMs); };
+    m_player.chase = [this](int32_t fromMs) {
+        // Stamped with the moment the start is due: at a loop's jump, when B is heard, the notes
+        // of the pass are cut and the channels set as at A, and the fingerboard rests then too.
+        const int32_t dueMs = m_player.currentDueMs();
+        {
+            const MidiOutDueTime due(dueMs);
+            m_router.startFrom(m_player.theMidi(), fromMs);
+        }
+        m_pieceMarks.add(PieceMark::clear());
+        m_pieceMarks.release(dueMs + midiOutHeardDelayMs());
+    };
     m_player.setTheMidi(m_mf.get());
 
     // The fingerboard follows the piece's notes on shown channels as the learner hears them: each
@@ -62,6 +77,7 @@ void fMain::connectTransport()
     connect(sldPosition, &QSlider::sliderMoved, this, [this](int seconds) { lblPieceTime->setText(pieceTimeText(seconds * 1000)); });
     connect(sldSpeedR, &QSlider::valueChanged, this, [this](int value) { sldSpeedR_Change(value, !sldSpeedR->isSliderDown()); });
     connect(sldSpeedR, &QSlider::sliderReleased, this, [this] { sldSpeedR_Change(sldSpeedR->value(), true); });
+    connect(udSpeedPercent, &QSpinBox::valueChanged, this, &fMain::udSpeedPercent_Change);
     connect(sldVolume, &QSlider::valueChanged, this, [this](int value) { m_router.setVolume(value); });
     connect(udMidiOctShift, &QSpinBox::valueChanged, this, [this] { udMidiOctShift_Change(); });
 
@@ -99,11 +115,32 @@ void fMain::cmdPlay_Toggled(bool down)
                 QStringLiteral("There is no open file to play.\r\nOpen a file first, then press the play button"));
         return;
     }
-    if (m_inPlay)
+    if (m_inPlay || m_countingDown)
         return;
-    if (m_startDelayMs > 0)
-        sleepMs(m_startDelayMs);
-    startPlaying(sldPosition->value() * 1000);
+    if (m_startDelayMs > 0 && !countDownStartDelay())
+        return;
+    // With the loop on, playing starts at A unless the position is inside the loop already.
+    int32_t fromMs = sldPosition->value() * 1000;
+    if (m_practice.loopReady() && (fromMs < *m_practice.aMs || fromMs >= *m_practice.bMs))
+        fromMs = *m_practice.aMs;
+    startPlaying(fromMs);
+}
+
+// The start delay counts down on the fingerboard, a number a second, while the window stays
+// alive: Stop, Pause or another piece ends it, and then nothing plays.
+bool fMain::countDownStartDelay()
+{
+    const PlayerClock clock = QtPlayerWait::playerClock(m_clock, *m_wait);
+    const ScopedFlag counting(m_countingDown);
+    m_startCancelled = false;
+    const int32_t end = clock.now() + m_startDelayMs;
+    for (int32_t now = clock.now(); now < end && !m_startCancelled; now = clock.now()) {
+        const int32_t left = end - now;
+        m_countdown->showCount(QString::number((left + 999) / 1000));
+        clock.wait(now + (left - 1) % 1000 + 1);  // wakes at the next whole second, or sooner for the learner
+    }
+    m_countdown->hide();
+    return !m_startCancelled;
 }
 
 void fMain::cmdPause_Toggled(bool down)
@@ -140,9 +177,11 @@ void fMain::startPlaying(int32_t fromMs)
     m_playing = true;
     m_paused = false;
     m_player.resetPlayState();
-    sldSpeedR_Change(sldSpeedR->value(), true);
+    m_player.setPlaySpeedRatio(m_speedRatio);
     m_player.setCatchUpTolerance(m_catchUpTolerance);
     m_player.setStartOffsetMSecMidi(fromMs);
+    m_player.setPractice(m_practice.plan());
+    m_positionMs = fromMs;
     try {
         const ScopedFlag inPlay(m_inPlay);
         m_player.play();
@@ -160,6 +199,7 @@ void fMain::startPlaying(int32_t fromMs)
 
 void fMain::pausePlaying()
 {
+    m_countdown->hide();
     m_paused = true;
     m_playing = false;
     setButtonDown(cmdPlay, false);
@@ -170,6 +210,9 @@ void fMain::pausePlaying()
 
 void fMain::stopPlaying()
 {
+    m_startCancelled = true;
+    m_countdown->hide();
+    m_practicePanel->clearPass();
     setButtonDown(cmdPlay, false);
     setButtonDown(cmdPause, false);
     lblPieceTime->setText(pieceTimeText(0));
@@ -193,23 +236,54 @@ void fMain::sldPosition_Change(int seconds)
 {
     if (m_positionUpdatesSuspended)
         return;
+    jumpTo(seconds * 1000);
+}
+
+void fMain::jumpTo(int32_t ms)
+{
+    {
+        const QSignalBlocker block(sldPosition);
+        sldPosition->setValue(positionRangeSeconds(ms));
+    }
     midiOutReset();
     if (m_playing) {
-        m_player.reposition(seconds * 1000);
+        m_player.reposition(ms);
         // The notes cut here get no note-off from the player, which goes on elsewhere: their
         // marks go, with every mark still waiting.
         m_pieceMarks.drop();
         redrawFingerboard();
     } else if (m_paused)
-        m_resumeFromMs = seconds * 1000;
+        m_resumeFromMs = ms;
 }
 
+// The slider's steps and the percent box show one speed: each moves the other, and the player
+// takes the speed once the slider is let go.
 void fMain::sldSpeedR_Change(int value, bool settled)
 {
     const float ratio = speedRatioForSlider(value);
-    lblSpeed->setText(speedRatioText(ratio));
+    {
+        const QSignalBlocker block(udSpeedPercent);
+        udSpeedPercent->setValue(static_cast<int>(std::lround(ratio * 100.0f)));
+    }
     if (settled)
-        m_player.setPlaySpeedRatio(ratio);
+        applySpeed(ratio);
+}
+
+void fMain::udSpeedPercent_Change(int percent)
+{
+    const float ratio = static_cast<float>(percent) / 100.0f;
+    {
+        const QSignalBlocker block(sldSpeedR);
+        sldSpeedR->setValue(sliderValueForSpeedRatio(ratio));
+    }
+    applySpeed(ratio);
+}
+
+void fMain::applySpeed(float ratio)
+{
+    m_speedRatio = ratio;
+    m_player.setPlaySpeedRatio(ratio);
+    rememberThisPractice();  // the speed a piece is practised at comes back with it
 }
 
 void fMain::udMidiOctShift_Change()
@@ -223,6 +297,11 @@ void fMain::udMidiOctShift_Change()
 
 void fMain::m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec)
 {
+    m_positionMs = absMSec;
+    if (m_countInShown) {
+        m_countInShown = false;
+        m_countdown->hide();
+    }
     if (!m_positionUpdatesSuspended) {
         const QSignalBlocker block(sldPosition);
         sldPosition->setValue(positionRangeSeconds(absMSec));
@@ -260,6 +339,9 @@ void fMain::m_mf_p_meta(int16_t, uint8_t metaType, const std::string& txt, int32
 
 void fMain::m_mf_p_donePB()
 {
+    m_countdown->hide();
+    if (!m_paused)
+        m_practicePanel->clearPass();
     const bool ended = m_playing;  // neither stopped nor paused: the piece ran to its end
     setButtonDown(cmdPlay, false);
     if (m_paused) {

@@ -2,6 +2,7 @@
 
 #include "settings/TextNumbers.h"
 
+#include <QCryptographicHash>
 #include <QSettings>
 #include <QString>
 
@@ -165,6 +166,44 @@ void UserSettings::setNotePresentation(const NotePresentation& presentation)
         if (presentation.*key.field != stored.*key.field)
             setInt(key.setting, presentation.*key.field);
     }
+}
+
+namespace {
+
+constexpr const char* kPathKey = "Path";  // for a reader of the store: which piece the group is
+
+QString pieceGroup(const std::string& piecePath)
+{
+    const QByteArray hash = QCryptographicHash::hash(QByteArray::fromStdString(piecePath), QCryptographicHash::Sha1);
+    return QStringLiteral("piece-") + QString::fromLatin1(hash.toHex());
+}
+
+}  // namespace
+
+std::map<std::string, int32_t> UserSettings::pieceNumbers(const std::string& piecePath) const
+{
+    std::map<std::string, int32_t> numbers;
+    m_store->beginGroup(pieceGroup(piecePath));
+    for (const QString& key : m_store->childKeys()) {
+        if (key == QLatin1String(kPathKey))
+            continue;
+        if (const auto value = textToInt32(m_store->value(key).toString().toStdString()))
+            numbers[key.toStdString()] = *value;
+    }
+    m_store->endGroup();
+    return numbers;
+}
+
+void UserSettings::setPieceNumbers(const std::string& piecePath, const std::map<std::string, int32_t>& numbers)
+{
+    m_store->remove(pieceGroup(piecePath));
+    if (numbers.empty())
+        return;
+    m_store->beginGroup(pieceGroup(piecePath));
+    m_store->setValue(QLatin1String(kPathKey), QString::fromStdString(piecePath));
+    for (const auto& [key, value] : numbers)
+        m_store->setValue(QString::fromStdString(key), QString::number(value));
+    m_store->endGroup();
 }
 
 }  // namespace tarabix

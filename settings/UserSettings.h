@@ -3,6 +3,7 @@
 #include "settings/NotePresentation.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -79,6 +80,13 @@ public:
     int32_t tuningICateg() const { return intValue(Setting::TuningICateg); }
     // The built-in synthesizer's output latency in ms, as the learner chose it in the device dialog.
     int32_t synthLatencyMs() const { return intValue(Setting::SynthLatencyMS); }
+
+    // Whole numbers kept for one piece, e.g. the practice room's loop, speed and ramp, under a
+    // group of the piece's own (named after a hash of its path, which may hold any character).
+    // Values that are no numbers are left out.
+    std::map<std::string, int32_t> pieceNumbers(const std::string& piecePath) const;
+    // Replaces what is kept for the piece; an empty map forgets the piece.
+    void setPieceNumbers(const std::string& piecePath, const std::map<std::string, int32_t>& numbers);
 
 private:
     std::unique_ptr<QSettings> m_store;

@@ -4,6 +4,9 @@
 // temporary, its messages collected and its sound recorded.
 #include "app/fMain.h"
 
+#include "app/PositionBar.h"
+#include "app/SpeedPercentBox.h"
+
 #include "midi/MidiFile.h"
 #include "playback/RecorderPort.h"
 #include "playback/mMidiMain.h"
@@ -53,6 +56,7 @@ public:
     using fMain::sldSpeedR;
     using fMain::sldVolume;
     using fMain::udMidiOctShift;
+    using fMain::udSpeedPercent;
     using fMain::udTuneOctShift;
 };
 

@@ -1,0 +1,28 @@
+#include "app/PracticeSetup.h"
+
+namespace tarabix {
+
+PracticePlan PracticeSetup::plan() const
+{
+    PracticePlan plan;
+    if (loopReady()) {
+        plan.loop = LoopRange{*aMs, *bMs};
+        if (rampOn)
+            plan.ramp = ramp;
+    }
+    plan.countInBeats = countInBeats;
+    return plan;
+}
+
+PracticePlan PracticeSetup::planToCheck() const
+{
+    PracticePlan plan;
+    if (aMs && bMs)
+        plan.loop = LoopRange{*aMs, *bMs};
+    if (rampOn)
+        plan.ramp = ramp;
+    plan.countInBeats = countInBeats;
+    return plan;
+}
+
+}  // namespace tarabix
