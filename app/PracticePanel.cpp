@@ -31,6 +31,8 @@ QSpinBox* percentBox(int min, int max, const QString& prefix, QWidget* parent)
 
 QString loopText(const PracticeSetup& s)
 {
+    if (!s.aMs && !s.bMs)
+        return {};
     const auto end = [](const std::optional<int32_t>& ms) { return ms ? loopPointText(*ms) : QStringLiteral("–"); };
     return QStringLiteral("%1 … %2").arg(end(s.aMs), end(s.bMs));
 }
