@@ -80,8 +80,8 @@ public:
     int32_t startOffsetMSecMidi() const { return m_startOffsetMSecMidi; }
     void setStartOffsetMSecMidi(int32_t ms) { m_startOffsetMSecMidi = ms; }
 
-    // Piece time of the first event left unplayed when a stop took effect: where a resume starts.
-    // A stop during a count-in leaves the start of its pass.
+    // Piece time of the first event (or beat click, or loop end B) left unplayed when a stop took
+    // effect: where a resume starts. A stop during a count-in leaves the start of its pass.
     int32_t stopOffsetMSec_midi() const { return m_stopOffsetMSec_midi; }
 
     float catchUpTolerance() const { return m_catchUpTolerance; }

@@ -19,11 +19,6 @@ static void PrintTo(const BeatTime& beat, std::ostream* out)
 
 namespace {
 
-std::string signature(int numerator, int power, int clocksPerClick)
-{
-    return std::string{static_cast<char>(numerator), static_cast<char>(power), static_cast<char>(clocksPerClick), 8};
-}
-
 // Each case: a piece's division and events, the beats from..until, and the beat at `from`.
 TEST(BeatGrid, BeatsFollowTheSignaturesClickAndTheTempoMap)
 {
@@ -39,10 +34,10 @@ TEST(BeatGrid, BeatsFollowTheSignaturesClickAndTheTempoMap)
     const auto D = [](int32_t ms) { return BeatTime{ms, true}; };
     const Case cases[] = {
         {"6/8 clicked in dotted quarters at 100 quarters a minute", 480,
-         EventList().tempo(0, 0, 600000).meta(0, 0, 0x58, signature(6, 3, 36)).channel(0, 2880, 0x90, 60, 1),
+         EventList().tempo(0, 0, 600000).meta(0, 0, 0x58, std::string{6, 3, 36, 8}).channel(0, 2880, 0x90, 60, 1),
          0, 100000, {D(0), T(900), D(1800), T(2700), D(3600)}, {900, 2}},
         {"3/4 from the middle of a 4/4 bar starts a bar there; beats from 900 ms to 2300", 480,
-         EventList().meta(0, 1200, 0x58, signature(3, 2, 24)).channel(1, 3000, 0x90, 60, 1),
+         EventList().meta(0, 1200, 0x58, std::string{3, 2, 24, 8}).channel(1, 3000, 0x90, 60, 1),
          900, 2300, {T(1000), D(1250), T(1750), T(2250)}, {500, 4}},
         {"the tempo doubles a beat's length from its tick on", 500,
          EventList().tempo(0, 1000, 1000000).channel(0, 2000, 0x90, 60, 1), 0, 100000,

@@ -69,61 +69,51 @@ PracticePlan loop(int32_t fromMs, int32_t toMs, int32_t passes, std::optional<Te
     return {LoopRange{fromMs, toMs}, passes, ramp, countIn};
 }
 
-// Three passes of 1000..2500 (events at 1000, 1500 and 2200): each pass starts when the last
-// one's B was due, at its own speed; every due time is rounded from one exact reference.
-TEST_F(PracticeLoopTest, PassesFollowEachOtherExactlyWhereBWasDue)
+// A loop of 1000..2500 (events at 1000, 1500 and 2200): each pass starts when the last one's B
+// was due, at its own speed, and every due time is rounded from one exact reference. Stop,
+// reposition and skip keep working inside the loop and its count-in.
+TEST_F(PracticeLoopTest, PassesFollowEachOtherWhereBWasDueAndRequestsStillWork)
 {
     const MidiFile piece = notesAt({0, 1000, 1500, 2200, 3000});
-    struct Case { const char* name; PracticePlan plan; float speed; int32_t startMs; Log expected; };
+    struct Case { const char* name; PracticePlan plan; float speed; std::function<void()> request; Log expected; int32_t stopOffset = 0; };
     const Case cases[] = {
-        {"at the chosen speed", loop(1000, 2500, 3), 1.0f, 0,
+        {"at the chosen speed", loop(1000, 2500, 3), 1.0f, {},
          {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "1200 n63",
           "1500 chase 1000", "1500 pass 1 x1", "1500 n61", "2000 n62", "2700 n63",
           "3000 chase 1000", "3000 pass 2 x1", "3000 n61", "3500 n62", "4200 n63", "4500 done"}},
-        {"a ramp from 50 % by 25 % a pass", loop(1000, 2500, 3, TempoRamp{50, 25, 100}), 1.0f, 0,
+        {"a ramp from 50 % by 25 % a pass", loop(1000, 2500, 3, TempoRamp{50, 25, 100}), 1.0f, {},
          {"0 chase 1000", "0 pass 0 x0.5", "0 n61", "1000 n62", "2400 n63",
           "3000 chase 1000", "3000 pass 1 x0.75", "3000 n61", "3667 n62", "4600 n63",
           "5000 chase 1000", "5000 pass 2 x1", "5000 n61", "5500 n62", "6200 n63", "6500 done"}},
-        {"a third of a second a pass at speed 3: passes at 333 and 667, not 666", loop(1000, 2000, 3), 3.0f, 0,
+        {"a third of a second a pass at speed 3: passes at 333 and 667, not 666", loop(1000, 2000, 3), 3.0f, {},
          {"0 chase 1000", "0 pass 0 x3", "0 n61", "167 n62", "333 chase 1000", "333 pass 1 x3", "333 n61", "500 n62",
           "667 chase 1000", "667 pass 2 x3", "667 n61", "833 n62", "1000 done"}},
-        {"a start inside the loop plays the first pass from there", loop(1000, 2500, 2), 1.0f, 1500,
+        {"a start inside the loop plays the first pass from there", loop(1000, 2500, 2), 1.0f,
+         [this] { player.setStartOffsetMSecMidi(1500); },
          {"0 chase 1500", "0 pass 0 x1", "0 n62", "700 n63", "1000 chase 1000", "1000 pass 1 x1", "1000 n61",
           "1500 n62", "2200 n63", "2500 done"}},
-        {"no loop: the ramp's start and a count-in of two 500 ms beats", {std::nullopt, 0, TempoRamp{50, 10, 100}, 2},
-         1.0f, 2200, {"0 chase 2200", "0 pass 0 x0.5", "0 click 2!", "1000 click 1", "2000 n63", "3600 n64", "3600 done"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(play(piece, c.plan, c.speed, [&] { player.setStartOffsetMSecMidi(c.startMs); }), c.expected);
-    }
-}
-
-// Stop, reposition and skip keep working inside a loop and during its count-in.
-TEST_F(PracticeLoopTest, RequestsInsideALoop)
-{
-    const MidiFile piece = notesAt({0, 1000, 1500, 2200, 3000});
-    struct Case { const char* name; PracticePlan plan; std::function<void()> request; Log expected; int32_t stopOffset; };
-    const Case cases[] = {
-        {"a reposition before A plays up to B, then loops", loop(1000, 2500, 2),
+        {"no loop: the ramp's start, and a count-in of two 500 ms beats", {std::nullopt, 0, TempoRamp{50, 10, 100}, 2},
+         1.0f, [this] { player.setStartOffsetMSecMidi(2200); },
+         {"0 chase 2200", "0 pass 0 x0.5", "0 click 2!", "1000 click 1", "2000 n63", "3600 n64", "3600 done"}},
+        {"a reposition before A plays up to B, then loops", loop(1000, 2500, 2), 1.0f,
          [this] { clock.at(600, [this] { player.reposition(0); }); },
          {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "600 chase 0", "600 n60", "1600 n61", "2100 n62", "2800 n63",
-          "3100 chase 1000", "3100 pass 1 x1", "3100 n61", "3600 n62", "4300 n63", "4600 done"}, 0},
-        {"a reposition past B leaves the loop", loop(1000, 2500, 2),
+          "3100 chase 1000", "3100 pass 1 x1", "3100 n61", "3600 n62", "4300 n63", "4600 done"}},
+        {"a reposition past B leaves the loop", loop(1000, 2500, 2), 1.0f,
          [this] { clock.at(600, [this] { player.reposition(2800); }); },
-         {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "600 chase 2800", "800 n64", "800 done"}, 0},
-        {"a skip of the silence before B starts the next pass at once", loop(1000, 2500, 2),
+         {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "600 chase 2800", "800 n64", "800 done"}},
+        {"a skip of the silence before B starts the next pass at once", loop(1000, 2500, 2), 1.0f,
          [this] { clock.at(1300, [this] { player.skipSilence(); }); },
          {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "1200 n63", "1300 chase 1000", "1300 pass 1 x1",
-          "1300 n61", "1800 n62", "2500 n63", "2800 done"}, 0},
-        {"until stopped: a stop in the count-in leaves the pass's start", loop(1000, 2500, 0, std::nullopt, 2),
+          "1300 n61", "1800 n62", "2500 n63", "2800 done"}},
+        {"until stopped: a stop in the count-in leaves the pass's start", loop(1000, 2500, 0, std::nullopt, 2), 1.0f,
          [this] { clock.at(2700, [this] { player.stopPlaying(); }); },
          {"0 chase 1000", "0 pass 0 x1", "0 click 2!", "500 click 1", "1000 n61", "1500 n62", "2200 n63",
           "2500 chase 1000", "2500 pass 1 x1", "2500 click 2!", "2700 done"}, 1000},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(play(piece, c.plan, 1.0f, c.request), c.expected);
+        EXPECT_EQ(play(piece, c.plan, c.speed, c.request), c.expected);
         EXPECT_EQ(player.stopOffsetMSec_midi(), c.stopOffset);
     }
 }
