@@ -23,6 +23,13 @@ constexpr const char* kSource = "MidiPlayer";
     throw MidiError(midierr::kOverflow, kSource);
 }
 
+int32_t add(int32_t a, int32_t b)
+{
+    if (auto r = checkedAdd(a, b))
+        return *r;
+    raiseOverflow();
+}
+
 int32_t sub(int32_t a, int32_t b)
 {
     if (auto r = checkedSub(a, b))
@@ -99,8 +106,21 @@ void MidiPlayer::resetPlayState()
     m_catchUpTolerance = 1.0f;
 }
 
+void MidiPlayer::setPractice(const PracticePlan& plan)
+{
+    m_plan = plan;
+    m_planChanged = m_playing;
+}
+
 void MidiPlayer::play()
 {
+    // Whether play() is on the stack, so a plan set from a handler takes over at once.
+    struct Playing {
+        bool& flag;
+        explicit Playing(bool& f) : flag(f) { flag = true; }
+        ~Playing() { flag = false; }
+    } playing(m_playing);
+    m_planChanged = false;
     m_merged = MergedTracks(m_theMidi);
     m_beatGrid = m_theMidi ? BeatGrid(*m_theMidi) : BeatGrid();
     if (practicePlanProblem(m_plan, m_theMidi ? m_theMidi->allLastAbsMSec() : 0))
@@ -118,10 +138,15 @@ void MidiPlayer::play()
         const int32_t due = m_schedule.due(next.pieceMs);
         m_currentDueMs = due;
         keepUp(due, next.kind == Moment::Event);
-        if (waitFor(due) == WaitEnd::Reposition) {
+        const WaitEnd end = waitFor(due);
+        if (m_planChanged)
+            adoptPlan();
+        if (end == WaitEnd::Reposition) {
             beginStretch(m_repositionTarget, 0, m_clock.now(), false);
             continue;
         }
+        if (end == WaitEnd::PlanChanged)
+            continue;
         if (m_stopRequested) {
             m_stopOffsetMSec_midi = std::max(next.pieceMs, m_stretch.startMs);
             break;
@@ -203,6 +228,8 @@ MidiPlayer::WaitEnd MidiPlayer::waitFor(int32_t due)
             return WaitEnd::Stop;
         if (m_repositionRequested)
             return WaitEnd::Reposition;
+        if (m_planChanged)
+            return WaitEnd::PlanChanged;
         if (m_skipRequested) {
             // The rest of this wait is dropped: the whole schedule moves earlier by it, and what
             // was waited for is due now. The request is used up, so the next wait is waited out.
@@ -212,6 +239,24 @@ MidiPlayer::WaitEnd MidiPlayer::waitFor(int32_t due)
             return WaitEnd::Due;
         }
     }
+}
+
+// The plan set while playing: its loop's end from here on (while the music is still before it),
+// its speed from the last moment played, the beats up to where this stretch now ends.
+void MidiPlayer::adoptPlan()
+{
+    m_planChanged = false;
+    if (practicePlanProblem(m_plan, m_theMidi ? m_theMidi->allLastAbsMSec() : 0))
+        throw MidiError(midierr::kInvalidArgument, kSource);
+    m_schedule.change(m_plan);
+    Stretch& s = m_stretch;
+    const int32_t here = m_schedule.playedPieceMs();
+    const auto& loop = m_plan.loop;
+    s.loopEndMs = loop && here < loop->toMs ? std::optional(loop->toMs) : std::nullopt;
+    // A beat at the moment last played has been clicked already (beats come before events).
+    const int32_t untilMs = s.loopEndMs.value_or(std::numeric_limits<int32_t>::max());
+    s.beats = beatClick ? m_beatGrid.beats(add(here, 1), untilMs) : std::vector<BeatTime>();
+    s.nextBeat = 0;
 }
 
 void MidiPlayer::act(const Moment& moment)

@@ -69,11 +69,13 @@ public:
     float playSpeedRatio() const { return m_schedule.chosenSpeed(); }
     void setPlaySpeedRatio(float ratio) { m_schedule.setChosenSpeed(ratio); }
 
-    // Takes effect at the next play(); kept by resetPlayState, dropped by clear(). With a loop,
-    // play() starts at the start offset when it lies in A..B, otherwise at A. The count-in comes
-    // before that start and before every later pass, not after a reposition.
+    // Kept by resetPlayState, dropped by clear(). With a loop, play() starts at the start offset
+    // when it lies in A..B, otherwise at A. The count-in comes before that start and before every
+    // later pass, not after a reposition. A plan set while playing takes over at once from the
+    // last moment played: its loop's end (when the music is still before it), its ramp from its
+    // first pass; a loop switched on past its B plays on to the end unless the owner repositions.
     const PracticePlan& practice() const { return m_plan; }
-    void setPractice(const PracticePlan& plan) { m_plan = plan; }
+    void setPractice(const PracticePlan& plan);
     bool clickEveryBeat() const { return m_clickEveryBeat; }
     void setClickEveryBeat(bool on) { m_clickEveryBeat = on; }
 
@@ -110,7 +112,7 @@ public:
     float currentSpeedRatio() const { return static_cast<float>(m_schedule.speed()); }
 
 private:
-    enum class WaitEnd { Due, Stop, Reposition };
+    enum class WaitEnd { Due, Stop, Reposition, PlanChanged };
     // What play() waits for next.
     struct Moment {
         enum Kind { CountIn, Beat, Event, LoopEnd, PieceEnd } kind;
@@ -132,12 +134,15 @@ private:
     Moment nextMoment();
     void keepUp(int32_t due, bool pieceEvent);
     WaitEnd waitFor(int32_t due);
+    void adoptPlan();
     void act(const Moment& moment);
     void deliver(int32_t track, const MidiEvent& event);
 
     PlayerClock m_clock;
     const MidiFile* m_theMidi = nullptr;
     PracticePlan m_plan;
+    bool m_playing = false;      // play() is on the stack
+    bool m_planChanged = false;  // setPractice came while it was
     bool m_clickEveryBeat = false;
     PracticeSchedule m_schedule;
     BeatGrid m_beatGrid;

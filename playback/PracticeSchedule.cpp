@@ -17,6 +17,12 @@ void PracticeSchedule::start(const PracticePlan& plan)
     m_pass = 0;
 }
 
+void PracticeSchedule::change(const PracticePlan& plan)
+{
+    anchor(m_playedPieceMs, m_playedClockMs);
+    start(plan);
+}
+
 void PracticeSchedule::setChosenSpeed(float ratio)
 {
     anchor(m_playedPieceMs, m_playedClockMs);

@@ -18,6 +18,10 @@ class PracticeSchedule {
 public:
     // Pass 0 of the plan.
     void start(const PracticePlan& plan);
+    // Another plan while playing: the music goes on from the last moment played at the new plan's
+    // speed, its ramp from its first pass.
+    void change(const PracticePlan& plan);
+    int32_t playedPieceMs() const { return m_playedPieceMs; }
     const PracticePlan& plan() const { return m_plan; }
 
     int32_t pass() const { return m_pass; }

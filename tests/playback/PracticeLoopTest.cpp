@@ -110,6 +110,14 @@ TEST_F(PracticeLoopTest, PassesFollowEachOtherWhereBWasDueAndRequestsStillWork)
          [this] { clock.at(2700, [this] { player.stopPlaying(); }); },
          {"0 chase 1000", "0 pass 0 x1", "0 click 2!", "500 click 1", "1000 n61", "1500 n62", "2200 n63",
           "2500 chase 1000", "2500 pass 1 x1", "2500 click 2!", "2700 done"}, 1000},
+        {"a loop set while playing, before its B: B loops back from this pass on", {}, 1.0f,
+         [this] { clock.at(1200, [this] { player.setPractice(loop(1000, 2500, 2)); }); },
+         {"0 chase 0", "0 pass 0 x1", "0 n60", "1000 n61", "1500 n62", "2200 n63",
+          "2500 chase 1000", "2500 pass 1 x1", "2500 n61", "3000 n62", "3700 n63", "4000 done"}},
+        {"the loop switched off inside it: the piece plays on; a ramp set goes on from the last note",
+         loop(1000, 2500, 0), 1.0f,
+         [this] { clock.at(600, [this] { player.setPractice({std::nullopt, 0, TempoRamp{50, 10, 100}, 0}); }); },
+         {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "1900 n63", "3500 n64", "3500 done"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
