@@ -5,9 +5,9 @@
 
 #include "app/AppIdentity.h"
 #include "app/CountdownOverlay.h"
+#include "app/HandPlayer.h"
 #include "app/PositionBar.h"
 #include "app/PracticePanel.h"
-#include "app/HandPlayer.h"
 #include "app/ScopedFlag.h"
 #include "app/SpeedPercentBox.h"
 #include "app/WindowTexts.h"
