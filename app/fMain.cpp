@@ -35,6 +35,7 @@ fMain::fMain(fMainEnvironment environment) : m_env(std::move(environment))
     buildMenus();
     connectFileCommands();
     connectTransport();
+    connectLookAhead();
     connectMenus();
 }
 

@@ -35,7 +35,10 @@ void fMain::connectTransport()
         m_mf_p_meta(track, type, txt, absMSec);
     };
     m_player.donePB = [this] { m_mf_p_donePB(); };
-    m_player.chase = [this](int32_t fromMs) { m_router.startFrom(m_player.theMidi(), fromMs); };
+    m_player.chase = [this](int32_t fromMs) {
+        m_router.startFrom(m_player.theMidi(), fromMs);
+        lookAheadFrom(fromMs);
+    };
     m_player.setTheMidi(m_mf.get());
 
     // The fingerboard follows the piece's notes on shown channels as the learner hears them: each
@@ -239,6 +242,7 @@ void fMain::m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec)
     // output's audio again and tied its clocks anew.
     const bool marked = m_pieceMarks.waiting() > marksBefore;
     m_pieceMarks.release(dueMs + midiOutHeardDelayMs());
+    lookAheadDelivered(status, c1, c2, absMSec, dueMs);
     if (marked) {
         // The fingerboard paints, and earlier marks come due, even while the player catches up
         // without waiting.
