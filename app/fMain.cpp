@@ -36,6 +36,7 @@ fMain::fMain(fMainEnvironment environment) : m_env(std::move(environment))
     connectFileCommands();
     connectTransport();
     connectPractice();
+    connectLookAhead();
     connectMenus();
 }
 

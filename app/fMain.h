@@ -8,8 +8,10 @@
 #include "oud/view/UdDisplay.h"
 #include "playback/MidiPlayer.h"
 #include "playback/Metronome.h"
+#include "playback/NextNotes.h"
 #include "playback/PieceRouter.h"
 #include "playback/qt/DelayedMarks.h"
+#include "settings/LookAhead.h"
 
 #include <QMainWindow>
 #include <QMessageBox>
@@ -18,6 +20,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QAction;
 class QButtonGroup;
@@ -202,6 +205,12 @@ private:
     void showPractice();
     void rememberThisPractice();
     void restorePractice();
+    // The coming notes shown on the fingerboard ahead of the sound (fMainLookAhead.cpp).
+    void connectLookAhead();
+    void setLookAhead(const LookAhead& chosen);
+    void lookAheadFrom(int32_t fromMs);
+    void lookAheadDelivered(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMs, int32_t dueMs);
+    void showLookAhead();
 
     // The window's share of playing by hand: which keys reach the hand player (fMainPlayByHand.cpp).
     void connectPlayByHand();
@@ -254,6 +263,17 @@ private:
     QString m_shownOutputNotice;
     QTimer* tmrAct = nullptr;
     QPointer<fChannels> m_channelsDialog;
+
+    // The look-ahead: the learner's choice, the walk one step behind the player, and the piece
+    // time last handed over with the clock time it is heard, from which the piece time heard now
+    // follows at the playing speed. Out of step until the player starts or hands an event over.
+    LookAhead m_lookAhead;
+    NextNotes m_nextNotes;
+    bool m_lookAheadInStep = false;
+    int32_t m_lookAheadPieceMs = 0;
+    int32_t m_lookAheadHeardAtMs = 0;
+    std::vector<LookAheadMark> m_lookAheadMarks;
+    QTimer* tmrLookAhead = nullptr;
 
     bool m_formLoaded = false;
     // The program fills or sets the instrument's lists and buttons: their handlers stay still.

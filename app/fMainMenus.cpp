@@ -60,9 +60,10 @@ void fMain::mnu_Opts_Notes_Click()
 {
     if (!m_display)
         return;
-    auto* dialog = new fNotesOpts(m_display->presentation(), this);
+    auto* dialog = new fNotesOpts(m_display->presentation(), m_lookAhead, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &fNotesOpts::presentationChosen, this, &fMain::showNotesAs);
+    connect(dialog, &fNotesOpts::lookAheadChosen, this, &fMain::setLookAhead);
     dialog->open();
 }
 

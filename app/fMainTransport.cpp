@@ -50,6 +50,7 @@ void fMain::connectTransport()
         }
         m_pieceMarks.add(PieceMark::clear());
         m_pieceMarks.release(dueMs + midiOutHeardDelayMs());
+        lookAheadFrom(fromMs);
     };
     m_player.setTheMidi(m_mf.get());
 
@@ -318,6 +319,7 @@ void fMain::m_mf_p_msg(uint8_t status, uint8_t c1, uint8_t c2, int32_t absMSec)
     // output's audio again and tied its clocks anew.
     const bool marked = m_pieceMarks.waiting() > marksBefore;
     m_pieceMarks.release(dueMs + midiOutHeardDelayMs());
+    lookAheadDelivered(status, c1, c2, absMSec, dueMs);
     if (marked) {
         // The fingerboard paints, and earlier marks come due, even while the player catches up
         // without waiting.

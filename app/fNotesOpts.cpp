@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 #include <initializer_list>
@@ -65,8 +66,8 @@ int setIndex(const QButtonGroup* group)
 
 }  // namespace
 
-fNotesOpts::fNotesOpts(const NotePresentation& presentation, QWidget* parent)
-    : QDialog(parent), m_presentation(presentation)
+fNotesOpts::fNotesOpts(const NotePresentation& presentation, const LookAhead& lookAhead, QWidget* parent)
+    : QDialog(parent), m_presentation(presentation), m_lookAhead(lookAhead.checked())
 {
     buildControls();
     checkIndex(optMaqamStatic, presToIndex(m_presentation.restMaqam));
@@ -74,6 +75,8 @@ fNotesOpts::fNotesOpts(const NotePresentation& presentation, QWidget* parent)
     checkIndex(optNoMaqamStatic, presToIndex(m_presentation.restNoMaqam));
     checkIndex(optPlayNoMaq, presToIndex(m_presentation.playNoMaqam));
     checkIndex(optNoteNamesType, m_presentation.nameSystem);
+    checkIndex(optLookAhead, m_lookAhead.choice);
+    spnLookAheadMs->setValue(m_lookAhead.withinMs);
 }
 
 void fNotesOpts::buildControls()
@@ -106,10 +109,39 @@ void fNotesOpts::buildControls()
     optPlayMaq = addChoiceGroup(maqam, maqamLayout, playedCaption,
                                 {"Note name highlighted", "Colored Circle", "No effect"});
     layout->addWidget(maqam);
+    buildLookAheadControls(layout);
 
     addOkCancelRow(this, layout, cmdOK, cmdCancel);
 
     connect(cmdOK, &QPushButton::clicked, this, &fNotesOpts::cmdOK_Click);
+}
+
+// Where the hand goes next: faint numbered marks at the places of the coming notes while a piece
+// plays. The time is the learner's (heard) time, whatever the speed.
+void fNotesOpts::buildLookAheadControls(QLayout* into)
+{
+    auto* frame = new QGroupBox(QStringLiteral("Coming Notes (while a piece plays)"), this);
+    auto* layout = new QVBoxLayout(frame);
+    optLookAhead = new QButtonGroup(this);
+    const char* captions[] = {"Not shown", "The next note", "The next 2 notes", "The next 3 notes"};
+    for (int32_t choice = LookAhead::kOff; choice <= LookAhead::kMostMoments; ++choice) {
+        auto* button = new QRadioButton(QString::fromUtf8(captions[choice]), frame);
+        optLookAhead->addButton(button, choice);
+        layout->addWidget(button);
+    }
+    auto* withinRow = new QHBoxLayout;
+    auto* within = new QRadioButton(QStringLiteral("The notes due within"), frame);
+    optLookAhead->addButton(within, LookAhead::kWithinTime);
+    spnLookAheadMs = new QSpinBox(frame);
+    spnLookAheadMs->setRange(LookAhead::kShortestMs, LookAhead::kLongestMs);
+    spnLookAheadMs->setSingleStep(250);
+    spnLookAheadMs->setSuffix(QStringLiteral(" ms"));
+    withinRow->addWidget(within);
+    withinRow->addWidget(spnLookAheadMs);
+    withinRow->addStretch();
+    layout->addLayout(withinRow);
+    layout->addWidget(new QLabel(QStringLiteral("A chord counts as one note; 1 marks the next."), frame));
+    into->addWidget(frame);
 }
 
 void fNotesOpts::cmdOK_Click()
@@ -127,7 +159,11 @@ void fNotesOpts::cmdOK_Click()
     }
     if (const int32_t names = setIndex(optNoteNamesType); names != -1)
         m_presentation.nameSystem = names;
+    if (const int choice = setIndex(optLookAhead); choice != -1)
+        m_lookAhead.choice = choice;
+    m_lookAhead.withinMs = spnLookAheadMs->value();
     emit presentationChosen(m_presentation);
+    emit lookAheadChosen(m_lookAhead);
     accept();
 }
 

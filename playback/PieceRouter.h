@@ -1,6 +1,7 @@
 #pragma once
 
 #include "midi/MidiBytes.h"
+#include "playback/ChannelPitches.h"
 
 #include <array>
 #include <cstdint>
@@ -15,6 +16,7 @@ class MidiFile;
 // MIDI octave shift (and dropped when that takes them off the keyboard), note-on velocities
 // follow the volume, and a piece's pitch wheel becomes the channel's shift in cents, a quarter
 // tone at a time, while no note sounds on the channel; the next note-on carries it to the device.
+// The pitch rules are ChannelPitches', which the look-ahead (NextNotes) foretells with too.
 // Everything goes out through the output layer (mMidiMain).
 class PieceRouter {
 public:
@@ -53,9 +55,11 @@ public:
     bool channelShown(int ch) const { return m_shown.at(ch); }
     void setChannelShown(int ch, bool on) { m_shown.at(ch) = on; }
     // The shift every later note-on of the channel is played with (a maqam sets it too).
-    int32_t channelCents(int ch) const { return m_cents.at(ch); }
-    void setChannelCents(int ch, int32_t cents) { m_cents.at(ch) = cents; }
-    int32_t soundingNotes(int ch) const { return m_sounding.at(ch); }
+    int32_t channelCents(int ch) const { return m_pitches.cents(ch); }
+    void setChannelCents(int ch, int32_t cents) { m_pitches.setCents(ch, cents); }
+    int32_t soundingNotes(int ch) const { return m_pitches.sounding(ch); }
+    // Every channel's shift and sounding notes as the messages routed so far left them.
+    const ChannelPitches& pitches() const { return m_pitches; }
 
     int32_t volume() const { return m_volume; }
     void setVolume(int32_t volume) { m_volume = volume; }
@@ -63,13 +67,9 @@ public:
     void setMidiOctShift(int32_t octaves) { m_midiOctShift = octaves; }
 
 private:
-    void noteOn(int ch, int note, uint8_t velocity);
-    void noteOff(int ch, int note);
-
     std::array<bool, kMidiChannels> m_enabled{};
     std::array<bool, kMidiChannels> m_shown{};
-    std::array<int32_t, kMidiChannels> m_cents{};
-    std::array<int32_t, kMidiChannels> m_sounding{};
+    ChannelPitches m_pitches;
     std::array<bool, kMidiChannels> m_struck{};  // a note-on since the last start or cut
     int32_t m_volume = kDefaultVolume;
     int32_t m_midiOctShift = 0;

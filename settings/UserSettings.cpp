@@ -35,6 +35,10 @@ constexpr SettingRow kSettings[] = {
     // The lowest latency that plays without dropouts on the common sound servers (the built-in
     // synthesizer's own default, kDefaultSynthLatencyMs).
     {Setting::SynthLatencyMS, "SynthLatencyMS", "20"},
+    // The coming notes of a piece: off (LookAhead's choices), and the time of "within"
+    // (LookAhead::kDefaultMs).
+    {Setting::LookAheadChoice, "LookAhead", "0"},
+    {Setting::LookAheadMS, "LookAheadMS", "1500"},
 };
 
 constexpr bool tableFollowsEnum()
@@ -166,6 +170,25 @@ void UserSettings::setNotePresentation(const NotePresentation& presentation)
         if (presentation.*key.field != stored.*key.field)
             setInt(key.setting, presentation.*key.field);
     }
+}
+
+LookAhead UserSettings::lookAhead() const
+{
+    // Whatever cannot be read is off: a damaged store never shows marks the learner did not ask for.
+    const std::optional<int32_t> choice = textToInt32(textValue(Setting::LookAheadChoice));
+    const std::optional<int32_t> ms = textToInt32(textValue(Setting::LookAheadMS));
+    if (!ms)
+        return LookAhead{};
+    return LookAhead{choice.value_or(LookAhead::kOff), *ms}.checked();
+}
+
+void UserSettings::setLookAhead(const LookAhead& chosen)
+{
+    const LookAhead stored = lookAhead();
+    if (chosen.choice != stored.choice)
+        setInt(Setting::LookAheadChoice, chosen.choice);
+    if (chosen.withinMs != stored.withinMs)
+        setInt(Setting::LookAheadMS, chosen.withinMs);
 }
 
 namespace {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "settings/LookAhead.h"
 #include "settings/NotePresentation.h"
 
 #include <cstdint>
@@ -29,6 +30,8 @@ enum class Setting {
     TuningICateg,
     SoundFontFile,
     SynthLatencyMS,
+    LookAheadChoice,
+    LookAheadMS,
 };
 
 // What the main window takes from the store when it starts.
@@ -74,6 +77,11 @@ public:
     // Writes the keys whose value differs from what is stored now, so a key the learner never
     // changed stays out of the store as before.
     void setNotePresentation(const NotePresentation& presentation);
+
+    // How far ahead the coming notes are shown, from its two keys; a value that cannot be read, or
+    // a pair no control stands for (LookAhead::checked), is off. Written as the presentation is.
+    LookAhead lookAhead() const;
+    void setLookAhead(const LookAhead& chosen);
 
     // Read later in start-up, by the resources check.
     int32_t udOrient() const { return intValue(Setting::UdOrient); }

@@ -140,8 +140,7 @@ void mUdCtrl::setOrientation(int32_t newValue, bool redrawMarks)
 {
     if (newValue < kRightPlayerView || newValue > kLeftMirrorView)
         return;
-    if (newValue != m_orientation && onOrientationChanged)
-        onOrientationChanged(m_orientation, newValue);
+    const int32_t oldValue = m_orientation;
     for (size_t s = 0; s < kMaxStrings; ++s) {
         m_curStringA[s] = orientPoint(kStringNut[s], newValue);
         m_curStringB[s] = orientPoint(kStringEnd[s], newValue);
@@ -149,6 +148,9 @@ void mUdCtrl::setOrientation(int32_t newValue, bool redrawMarks)
     m_orientation = newValue;
     if (redrawMarks)
         buildPositionTable();
+    // Told once the places are those of the new view: the display puts what it keeps there.
+    if (newValue != oldValue && onOrientationChanged)
+        onOrientationChanged(oldValue, newValue);
 }
 
 int32_t mUdCtrl::buildPositionTable()

@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+#include <algorithm>
+
 namespace tarabix {
 
 static_assert(NotePresentation{}.nameSystem == kNamesWestern, "a fresh profile names notes C D E");
@@ -11,6 +13,11 @@ static_assert(NotePresentation{}.nameSystem == kNamesWestern, "a fresh profile n
 namespace {
 
 constexpr int32_t kLetterGap = 2;
+// Sounding marks kept to draw again: a note whose note-off never came (a damaged piece) must not
+// make the list grow while the piece plays on; the oldest are dropped first.
+constexpr size_t kMostSoundingMarks = 128;
+// How much wider a coming note's ring is than a sounding mark, on each side.
+constexpr int32_t kLookAheadMargin = 3;
 const QColor kHighlightFrame(192, 0, 0);
 const QColor kRestingFrame(221, 190, 165);
 const QColor kHighlightFill(255, 255, 204);
@@ -25,8 +32,12 @@ int32_t halfEven(double value)
 UdDisplay::UdDisplay(UdResources resources)
     : m_res(std::move(resources))
 {
+    for (int32_t cell = 0; cell < kMarkCellCount; ++cell)
+        m_markCells[static_cast<size_t>(cell)] =
+            m_res.markStrip.copy(cell * m_res.markWidth(), 0, m_res.markWidth(), m_res.markHeight());
     m_picUdCloneUnmarked = m_res.fingerboard.convertToFormat(QImage::Format_RGB32);
     m_picUdClone = m_picUdCloneUnmarked.copy();
+    m_picUdAhead = m_picUdCloneUnmarked.copy();
     m_picUd = m_picUdCloneUnmarked.copy();
 }
 
@@ -72,7 +83,21 @@ void UdDisplay::flipPicture(int32_t oldOrientation, int32_t newOrientation)
 void UdDisplay::restorePicture()
 {
     m_picUdClone = m_picUdCloneUnmarked.copy();
-    m_picUd = m_picUdCloneUnmarked.copy();
+    rebuildUpperLayers();
+}
+
+// The look-ahead layer again from the resting one, and the displayed layer from it, without
+// sounding marks.
+void UdDisplay::rebuildUpperLayers()
+{
+    m_sounding.clear();
+    m_picUdAhead = m_picUdClone.copy();
+    placeLookAhead();
+    if (!m_lookAhead.empty()) {
+        QPainter p(&m_picUdAhead);
+        paintLookAhead(p, m_picUdAhead.rect());
+    }
+    m_picUd = m_picUdAhead.copy();
     changed(m_picUd.rect());
 }
 
@@ -98,13 +123,35 @@ QRect UdDisplay::labelRect(PicPoint centre) const
     return QRect(centre.x - halfEven((w - 1) / 2.0), centre.y - halfEven((h - 1) / 2.0), w, h);
 }
 
-void UdDisplay::copyRestingToDisplayed(const QRect& rect)
+void UdDisplay::uncover(const QRect& rect)
 {
     QPainter p(&m_picUd);
     p.setCompositionMode(QPainter::CompositionMode_Source);
-    p.drawImage(rect.topLeft(), m_picUdClone, rect);
+    p.drawImage(rect.topLeft(), m_picUdAhead, rect);
     p.end();
+    std::erase_if(m_sounding, [&rect](const SoundingMark& mark) { return rect.contains(mark.rect); });
     changed(rect);
+}
+
+// A resting mark goes on the resting layer and the ones above it; a sounding one on the displayed
+// layer only, and is kept to be drawn again over what changes beneath it.
+void UdDisplay::drawMark(const QImage& picture, QPoint topLeft, bool alsoOnResting)
+{
+    // While the resting layer is drawn whole, the upper ones are built from it afterwards.
+    QImage* const layers[] = {alsoOnResting ? &m_picUdClone : nullptr, alsoOnResting && !m_batching ? &m_picUdAhead : nullptr,
+                              m_batching ? nullptr : &m_picUd};
+    for (QImage* layer : layers) {
+        if (!layer)
+            continue;
+        QPainter p(layer);
+        p.drawImage(topLeft, picture);
+    }
+    if (!alsoOnResting) {
+        if (m_sounding.size() == kMostSoundingMarks)
+            m_sounding.erase(m_sounding.begin());
+        m_sounding.push_back({QRect(topLeft, picture.size()), picture});
+    }
+    changed(QRect(topLeft, picture.size()));
 }
 
 int32_t UdDisplay::drawCircleMark(int32_t note, int32_t cents, bool alsoOnResting, bool scaleMark)
@@ -116,23 +163,15 @@ int32_t UdDisplay::drawCircleMark(int32_t note, int32_t cents, bool alsoOnRestin
     if (cell < 0 || cell >= kMarkCellCount)
         return 0;
     const MarkRecord& r = m_res.marks[static_cast<size_t>(cell)];
-    const QPoint topLeft(point->x - r.xOffset, point->y - r.yOffset);
-    const QRect source(cell * m_res.markWidth(), 0, m_res.markWidth(), m_res.markHeight());
     // The strip's transparent colour was made alpha 0 on loading, so blending skips it.
-    for (QImage* layer : {&m_picUd, alsoOnResting ? &m_picUdClone : nullptr}) {
-        if (!layer)
-            continue;
-        QPainter p(layer);
-        p.drawImage(topLeft, m_res.markStrip, source);
-    }
-    changed(QRect(topLeft, source.size()));
+    drawMark(m_markCells[static_cast<size_t>(cell)], QPoint(point->x - r.xOffset, point->y - r.yOffset), alsoOnResting);
     return 1;
 }
 
 void UdDisplay::eraseCircleMark(int32_t note, int32_t cents)
 {
     if (const auto point = pointOfPitch(note, cents))
-        copyRestingToDisplayed(circleMarkRect(*point));
+        uncover(circleMarkRect(*point));
 }
 
 QImage UdDisplay::buildLabel(bool highlighted, int32_t letter, int32_t accidental) const
@@ -172,22 +211,14 @@ int32_t UdDisplay::drawNameLabel(int32_t note, int32_t cents, bool highlighted, 
     if (letter < 0 || letter > 6 || (m_presentation.nameSystem != kNamesWestern &&
                                      m_presentation.nameSystem != kNamesSolfege))
         return 0;
-    const QImage box = buildLabel(highlighted, letter, accidental);
-    const QRect rect = labelRect(*point);
-    for (QImage* layer : {&m_picUd, alsoOnResting ? &m_picUdClone : nullptr}) {
-        if (!layer)
-            continue;
-        QPainter p(layer);
-        p.drawImage(rect.topLeft(), box);
-    }
-    changed(rect);
+    drawMark(buildLabel(highlighted, letter, accidental), labelRect(*point).topLeft(), alsoOnResting);
     return 1;
 }
 
 void UdDisplay::eraseNameLabel(int32_t note, int32_t cents)
 {
     if (const auto point = pointOfPitch(note, cents))
-        copyRestingToDisplayed(labelRect(*point));
+        uncover(labelRect(*point));
 }
 
 int32_t UdDisplay::rangeSide(int32_t note, int32_t cents) const
@@ -216,7 +247,6 @@ void UdDisplay::drawResting(int32_t mode, int32_t note, int32_t cents, SpelledNo
 void UdDisplay::redrawResting()
 {
     m_picUdClone = m_picUdCloneUnmarked.copy();
-    m_picUd = m_picUdCloneUnmarked.copy();
     const RestingScale scale = restingScale();
     const int32_t mode = m_presentation.atRest(scale.maqamSelected);
     if (ready() && mode != kPresNothing) {
@@ -231,7 +261,7 @@ void UdDisplay::redrawResting()
             drawResting(mode, mark.note, mark.cents, spellings[static_cast<size_t>(mark.degree)]);
         m_batching = false;
     }
-    changed(m_picUd.rect());
+    rebuildUpperLayers();
 }
 
 int32_t UdDisplay::playMode() const
@@ -264,6 +294,97 @@ bool UdDisplay::noteOffDisplay(int32_t note, int32_t cents, bool shown)
     else if (mode == kPresCircles)
         eraseCircleMark(note, cents);
     return true;
+}
+
+void UdDisplay::placeLookAhead()
+{
+    m_lookAheadRects.clear();
+    for (const LookAheadMark& mark : m_lookAhead) {
+        const auto point = pointOfPitch(mark.note, mark.cents);
+        // A ring around the place, so that a sounding mark there still shows it.
+        m_lookAheadRects.push_back(point ? circleMarkRect(*point).adjusted(-kLookAheadMargin, -kLookAheadMargin,
+                                                                           kLookAheadMargin, kLookAheadMargin)
+                                         : QRect());
+    }
+}
+
+const QImage& UdDisplay::lookAheadPictureOf(const LookAheadMark& mark)
+{
+    const int32_t moment = std::clamp(mark.moment, 1, kLookAheadMostMoments);
+    const int32_t level = std::clamp(mark.level, 1, kLookAheadLevels);
+    QImage& picture = m_lookAheadPictures[static_cast<size_t>(moment - 1)][static_cast<size_t>(level - 1)];
+    if (picture.isNull())
+        picture = lookAheadPicture(moment, level,
+                                   QSize(m_res.markWidth() + 2 * kLookAheadMargin, m_res.markHeight() + 2 * kLookAheadMargin));
+    return picture;
+}
+
+// The later moments first, so the nearer ones lie on top; a place already marked for an earlier
+// (or the same) moment is not marked again.
+void UdDisplay::paintLookAhead(QPainter& painter, const QRect& area)
+{
+    for (size_t i = m_lookAhead.size(); i-- > 0;) {
+        const QRect& rect = m_lookAheadRects[i];
+        if (rect.isEmpty() || !rect.intersects(area))
+            continue;
+        const auto earlier = m_lookAheadRects.begin() + static_cast<std::ptrdiff_t>(i);
+        if (std::find(m_lookAheadRects.begin(), earlier, rect) != earlier)
+            continue;
+        painter.drawImage(rect.topLeft(), lookAheadPictureOf(m_lookAhead[i]));
+    }
+}
+
+// One rectangle of the look-ahead layer from the resting one, and of the displayed layer from
+// it with the sounding marks there drawn again over it.
+void UdDisplay::repaintUpperLayers(const QRect& rect)
+{
+    QPainter ahead(&m_picUdAhead);
+    ahead.setCompositionMode(QPainter::CompositionMode_Source);
+    ahead.drawImage(rect.topLeft(), m_picUdClone, rect);
+    ahead.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    ahead.setClipRect(rect);
+    paintLookAhead(ahead, rect);
+    ahead.end();
+
+    QPainter shown(&m_picUd);
+    shown.setCompositionMode(QPainter::CompositionMode_Source);
+    shown.drawImage(rect.topLeft(), m_picUdAhead, rect);
+    shown.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    shown.setClipRect(rect);
+    for (const SoundingMark& mark : m_sounding)
+        if (mark.rect.intersects(rect))
+            shown.drawImage(mark.rect.topLeft(), mark.picture);
+    shown.end();
+    changed(rect);
+}
+
+void UdDisplay::showLookAhead(const std::vector<LookAheadMark>& marks)
+{
+    if (marks == m_lookAhead)
+        return;
+    const std::vector<LookAheadMark> before = m_lookAhead;
+    const std::vector<QRect> rectsBefore = m_lookAheadRects;
+    m_lookAhead = marks;
+    placeLookAhead();
+    // Only the places of marks that came, went or changed are drawn again.
+    std::vector<QRect> dirty;
+    const auto changedMarks = [this, &dirty](const std::vector<LookAheadMark>& these,
+                                             const std::vector<QRect>& theirRects,
+                                             const std::vector<LookAheadMark>& others,
+                                             const std::vector<QRect>& otherRects) {
+        for (size_t i = 0; i < these.size(); ++i) {
+            bool kept = false;
+            for (size_t j = 0; j < others.size() && !kept; ++j)
+                kept = these[i] == others[j] && theirRects[i] == otherRects[j];
+            const QRect rect = theirRects[i].intersected(QRect(QPoint(0, 0), m_picUd.size()));
+            if (!kept && !rect.isEmpty() && std::find(dirty.begin(), dirty.end(), rect) == dirty.end())
+                dirty.push_back(rect);
+        }
+    };
+    changedMarks(before, rectsBefore, m_lookAhead, m_lookAheadRects);
+    changedMarks(m_lookAhead, m_lookAheadRects, before, rectsBefore);
+    for (const QRect& rect : dirty)
+        repaintUpperLayers(rect);
 }
 
 }  // namespace tarabix

@@ -7,6 +7,7 @@
 #include <QButtonGroup>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 
 #include <array>
 #include <utility>
@@ -40,7 +41,7 @@ TEST(NotesOptsTest, OkReturnsWhatTheButtonsSayCancelNothing)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        fNotesOpts dlg({.restNoMaqam = 1, .restMaqam = 0, .playNoMaqam = 2, .playMaqam = c.playMaqam, .nameSystem = 0});
+        fNotesOpts dlg({.restNoMaqam = 1, .restMaqam = 0, .playNoMaqam = 2, .playMaqam = c.playMaqam, .nameSystem = 0}, {});
         dlg.show();
         QSignalSpy chosen(&dlg, &fNotesOpts::presentationChosen);
         for (const auto& [group, index] : c.clicks)
@@ -51,6 +52,32 @@ TEST(NotesOptsTest, OkReturnsWhatTheButtonsSayCancelNothing)
             const auto p = chosen.at(0).at(0).value<NotePresentation>();
             EXPECT_EQ((Values{p.nameSystem, p.restNoMaqam, p.playNoMaqam, p.restMaqam, p.playMaqam}), c.after);
         }
+    }
+}
+
+// The look-ahead opens on its choice (a damaged one as off) and OK returns what the buttons and
+// the time say; the time is kept while another choice is made.
+TEST(NotesOptsTest, LookAheadComesBackAsChosen)
+{
+    struct Case { LookAhead before; int click; int32_t timeMs; int opensOn; LookAhead after; };
+    const Case cases[] = {
+        {{}, 2, 0, LookAhead::kOff, {2, LookAhead::kDefaultMs}},
+        {{1, 1500}, LookAhead::kWithinTime, 2250, 1, {LookAhead::kWithinTime, 2250}},
+        {{LookAhead::kWithinTime, 750}, LookAhead::kOff, 0, LookAhead::kWithinTime, {LookAhead::kOff, 750}},
+        {{9, 750}, -1, 0, LookAhead::kOff, {LookAhead::kOff, 750}},
+    };
+    for (const Case& c : cases) {
+        fNotesOpts dlg({}, c.before);
+        dlg.show();
+        EXPECT_EQ(dlg.optLookAhead->checkedId(), c.opensOn) << c.before.choice;
+        QSignalSpy chosen(&dlg, &fNotesOpts::lookAheadChosen);
+        if (c.click >= 0)
+            test::click(dlg.optLookAhead->button(c.click));
+        if (c.timeMs > 0)
+            dlg.spnLookAheadMs->setValue(c.timeMs);
+        test::click(dlg.cmdOK);
+        ASSERT_EQ(chosen.count(), 1);
+        EXPECT_EQ(chosen.at(0).at(0).value<LookAhead>(), c.after) << c.before.choice;
     }
 }
 

@@ -109,5 +109,22 @@ TEST_F(UserSettingsTest, NotePresentationWritesTheKeysOfItsChangedFieldsOnly)
     }
 }
 
+// The look-ahead is read whole from its two keys; whatever cannot be read, or no control stands
+// for, is off. Only the keys of a changed field are written.
+TEST_F(UserSettingsTest, LookAheadReadsWholeAndADamagedValueIsOff)
+{
+    const std::pair<const char*, LookAhead> reads[] = {
+        {"", {}}, {"LookAhead=2", {2, 1500}}, {"LookAhead=4\nLookAheadMS=750", {4, 750}}, {"LookAhead=5\nLookAheadMS=750", {0, 750}},
+        {"LookAhead=two\nLookAheadMS=750", {0, 750}}, {"LookAhead=4\nLookAheadMS=60000", {}}, {"LookAhead=4\nLookAheadMS=soon", {}}};
+    int n = 0;
+    for (const auto& [text, expected] : reads)
+        EXPECT_EQ(open(std::string("[options]\n") + text + "\n", std::to_string(++n) + ".conf").lookAhead(), expected) << text;
+    UserSettings settings = open("", "written.conf");
+    settings.setLookAhead({3, LookAhead::kDefaultMs});
+    EXPECT_EQ(stored("written.conf"), "[options]\nLookAhead=3\n");
+    settings.setLookAhead({LookAhead::kWithinTime, 2000});
+    EXPECT_EQ(open(stored("written.conf"), "again.conf").lookAhead(), (LookAhead{LookAhead::kWithinTime, 2000}));
+}
+
 }  // namespace
 }  // namespace tarabix

@@ -176,6 +176,53 @@ TEST(UdDisplay, ASecondOrientationFlipsThePicture)
     EXPECT_EQ(marksArea(rig).center(), QPoint(742 - kStringNut[2].x, 187 - kStringNut[2].y));
 }
 
+// Coming notes' rings lie centred on the places of their pitches, beneath a sounding note's mark,
+// which stays whole while they change and uncovers them when it goes; they follow a new view and
+// leave no remnant. The same list again draws nothing.
+TEST(UdDisplay, LookAheadRingsLieBeneathSoundingMarksAndLeaveNothing)
+{
+    Rig rig, soundingOnly;
+    for (Rig* r : {&rig, &soundingOnly}) {
+        r->display.setPresentation({.playNoMaqam = kPresCircles});
+        r->display.redrawResting();
+    }
+    for (const auto& [note, cents] : {std::pair{52, -50}, {45, 0}, {72, 0}, {20, 0}}) {  // 20: off the fingerboard
+        rig.display.showLookAhead({{note, cents, 1, 1}});
+        const QImage alone = rig.display.picUd().copy();
+        const auto at = rig.display.pointOfPitch(note, cents);
+        EXPECT_EQ(marksArea(rig).center(), at ? QPoint(at->x, at->y) : QRect().center()) << note;
+        rig.display.showLookAhead({{note, cents, 1, 1}, {note, cents, 3, kLookAheadLevels}});  // due again later
+        EXPECT_EQ(rig.display.picUd(), alone) << note;
+    }
+    const std::vector<LookAheadMark> marks = {{52, -50, 1, kLookAheadLevels}, {45, 0, 2, 4}, {72, 0, 3, 1}};
+    rig.display.showLookAhead(marks);
+    rig.lastChange = QRect();
+    rig.display.showLookAhead(marks);
+    EXPECT_TRUE(rig.lastChange.isNull());
+
+    // Note 52 - 50 sounds at the first ring: its mark lies over the ring, whole, as the rings
+    // change beneath it; with the rings gone the picture is that of the sounding mark alone.
+    const QRect mark = rig.display.circleMarkRect(rig.pointOf(52, -50));
+    const QRect disc = mark.adjusted(4, 4, -4, -4);
+    for (Rig* r : {&rig, &soundingOnly})
+        ASSERT_EQ(r->display.noteOnDisplay(52, -50, true), kRangeInside);
+    EXPECT_EQ(rig.display.picUd().copy(disc), soundingOnly.display.picUd().copy(disc));
+    EXPECT_NE(rig.display.picUd().copy(mark), soundingOnly.display.picUd().copy(mark));
+    rig.display.showLookAhead({{52, -50, 2, 1}, {45, 0, 1, 6}});
+    EXPECT_EQ(rig.display.picUd().copy(disc), soundingOnly.display.picUd().copy(disc));
+    rig.display.showLookAhead({});
+    EXPECT_EQ(rig.display.picUd(), soundingOnly.display.picUd());
+    rig.display.showLookAhead({{52, -50, 1, 3}});
+    rig.display.noteOffDisplay(52, -50, true);
+    EXPECT_EQ(rig.display.picUd(), rig.display.picUdAhead());
+    EXPECT_NE(rig.display.picUd(), rig.display.picUdClone());
+
+    rig.model.setOrientation(kRightMirrorView, true);
+    EXPECT_EQ(marksArea(rig).center(), QPoint(rig.pointOf(52, -50).x, rig.pointOf(52, -50).y));
+    rig.display.showLookAhead({});
+    EXPECT_EQ(rig.display.picUd(), rig.display.picUdClone());
+}
+
 struct WidgetRig : test::DisplayRig {
     UdPictureWidget widget{&display};
     explicit WidgetRig(QSize size) { widget.resize(size); }
