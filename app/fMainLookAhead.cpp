@@ -85,7 +85,8 @@ void fMain::showLookAhead()
         m_display->showLookAhead({});
         return;
     }
-    const double speed = m_player.playSpeedRatio() > 0.0f ? m_player.playSpeedRatio() : 1.0;
+    // The speed played: during a tempo ramp, the pass's share of the chosen one.
+    const double speed = m_player.currentSpeedRatio() > 0.0f ? m_player.currentSpeedRatio() : 1.0;
     const int32_t heardMs =
         m_lookAheadPieceMs + roundHalfEvenInt(static_cast<double>(m_clock.millis() - m_lookAheadHeardAtMs) * speed);
     NextNotesQuery query{m_lookAhead.nextMoments(), std::nullopt};
@@ -96,7 +97,12 @@ void fMain::showLookAhead()
         fadeMs = m_lookAhead.withinMs;
     }
     m_lookAheadMarks.clear();
+    // A loop goes back to A at B: what lies after B is not coming.
+    const std::optional<int32_t> loopEndMs =
+        m_practice.loopReady() && heardMs < *m_practice.bMs ? m_practice.bMs : std::nullopt;
     for (const UpcomingNote& next : m_nextNotes.upcoming(heardMs, m_router, query)) {
+        if (loopEndMs && next.dueMs >= *loopEndMs)
+            break;
         const int32_t msUntilHeard = roundHalfEvenInt((next.dueMs - heardMs) / speed);
         m_lookAheadMarks.push_back({next.note, next.cents, next.moment, lookAheadLevel(msUntilHeard, fadeMs)});
     }
