@@ -13,6 +13,8 @@
 
 #include <QTimer>
 
+#include <limits>
+
 namespace tarabix {
 
 namespace {
@@ -98,10 +100,11 @@ void fMain::showLookAhead()
     }
     m_lookAheadMarks.clear();
     // A loop goes back to A at B: what lies after B is not coming.
-    const std::optional<int32_t> loopEndMs =
-        m_practice.loopReady() && heardMs < *m_practice.bMs ? m_practice.bMs : std::nullopt;
+    const int32_t loopEndMs = m_practice.loopReady() && heardMs < *m_practice.bMs
+                                  ? *m_practice.bMs
+                                  : std::numeric_limits<int32_t>::max();
     for (const UpcomingNote& next : m_nextNotes.upcoming(heardMs, m_router, query)) {
-        if (loopEndMs && next.dueMs >= *loopEndMs)
+        if (next.dueMs >= loopEndMs)
             break;
         const int32_t msUntilHeard = roundHalfEvenInt((next.dueMs - heardMs) / speed);
         m_lookAheadMarks.push_back({next.note, next.cents, next.moment, lookAheadLevel(msUntilHeard, fadeMs)});
