@@ -48,17 +48,7 @@ measure() {
     local choice=$1
     rm -rf "$XDG_CONFIG_HOME" && mkdir -p "$XDG_CONFIG_HOME/Tarabix"
     printf '[options]\nLookAhead=%s\n' "$choice" >"$XDG_CONFIG_HOME/Tarabix/Tarabix.conf"
-    "$bin" "$piece" >"$scratch/tarabix.log" 2>&1 &
-    app_pid=$!
-    local window=
-    for _ in $(seq 100); do
-        window=$(xdotool search --onlyvisible --name '^Tarabix' 2>/dev/null | head -1) && [[ -n $window ]] && break
-        sleep 0.1
-    done
-    [[ -n $window ]] || { echo "the window did not appear" >&2; cat "$scratch/tarabix.log" >&2; exit 1; }
-    sleep 1
-    xdotool windowfocus --sync "$window"
-    xdotool key --clearmodifiers alt+p
+    open_window_and_play "$bin" "$piece"
     sleep 2
     local t0 c0 t1 c1
     t0=$(date +%s.%N) c0=$(cpu_ticks "$app_pid")

@@ -31,18 +31,7 @@ source "$here/scripts/virtual-display.sh"
 # Default settings, so the picture shows what a newcomer sees.
 start_virtual_display
 
-"$bin" "$piece" >"$scratch/tarabix.log" 2>&1 &
-app_pid=$!
-window=
-for _ in $(seq 100); do
-    window=$(xdotool search --onlyvisible --name '^Tarabix' 2>/dev/null | head -1) && [[ -n $window ]] && break
-    sleep 0.1
-done
-[[ -n $window ]] || { echo "the window did not appear" >&2; cat "$scratch/tarabix.log" >&2; exit 1; }
-
-sleep 1
-xdotool windowfocus --sync "$window"
-xdotool key --clearmodifiers alt+p
+open_window_and_play "$bin" "$piece"
 sleep "$play_seconds"
 
 mkdir -p "$(dirname "$out")"

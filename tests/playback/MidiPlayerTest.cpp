@@ -14,16 +14,8 @@
 namespace tarabix {
 namespace {
 
+using test::notesAt;
 using Log = std::vector<std::string>;
-
-// A piece of single notes on track 0: note n + 60 at times[n].
-MidiFile notesAt(const std::vector<int32_t>& times)
-{
-    EventList events;
-    for (size_t i = 0; i < times.size(); ++i)
-        events.channel(0, times[i], 0x90, static_cast<uint8_t>(60 + i), 100);
-    return test::pieceFrom(events);
-}
 
 // Every event the owner hears, with the clock time it heard it at: "120 n61@100" is note 61
 // (absMS 100) delivered at clock time 120.

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <vector>
 
 namespace tarabix::test {
 
@@ -31,6 +32,15 @@ inline MidiFile pieceOf(std::initializer_list<TimedMessage> messages)
     EventList events;
     for (const TimedMessage& m : messages)
         events.channel(m.track, m.ms, m.status, m.c1, m.c2);
+    return pieceFrom(events);
+}
+
+// Single notes on track 0, channel 0: note 60 + n at times[n] (SMPTE timing: 500 ms beats in 4/4).
+inline MidiFile notesAt(const std::vector<int32_t>& times)
+{
+    EventList events;
+    for (size_t i = 0; i < times.size(); ++i)
+        events.channel(0, times[i], 0x90, static_cast<uint8_t>(60 + i), 100);
     return pieceFrom(events);
 }
 

@@ -15,16 +15,8 @@
 namespace tarabix {
 namespace {
 
+using test::notesAt;
 using Log = std::vector<std::string>;
-
-// Notes n60.. at these times, at one tick per millisecond (SMPTE timing: 500 ms beats in 4/4).
-MidiFile notesAt(const std::vector<int32_t>& times)
-{
-    EventList events;
-    for (size_t i = 0; i < times.size(); ++i)
-        events.channel(0, times[i], 0x90, static_cast<uint8_t>(60 + i), 100);
-    return test::pieceFrom(events);
-}
 
 // Every note-on heard at its clock time ("1500 n61"); chases, clicks and beats at the player's
 // due time while they are raised ("1500 chase 1000"), so the log shows what the owner stamps.
