@@ -7,6 +7,7 @@
 #include "midi/MidiBytes.h"
 #include "midi/MidiFile.h"
 #include "playback/MidiPlayer.h"
+#include "playback/PieceChase.h"
 #include "playback/VirtualClock.h"
 
 #include <benchmark/benchmark.h>
@@ -64,6 +65,18 @@ void BM_PlayDensePieceOnVirtualClock(benchmark::State& state)
     state.SetItemsProcessed(delivered);
 }
 BENCHMARK(BM_PlayDensePieceOnVirtualClock)->Unit(benchmark::kMillisecond);
+
+// What a loop's jump back to A costs before A's first note: the chase reads the piece from its
+// start up to A. Dense (200 events a second) pieces of 1, 5 and 20 minutes, A near the end.
+void BM_ChaseNearTheEndOfADensePiece(benchmark::State& state)
+{
+    const int seconds = static_cast<int>(state.range(0));
+    const MidiFile piece = makeDensePiece(200, seconds);
+    const int32_t atMs = (seconds - 1) * 1000;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(chasePiece(piece, atMs));
+}
+BENCHMARK(BM_ChaseNearTheEndOfADensePiece)->Arg(60)->Arg(300)->Arg(1200)->Unit(benchmark::kMicrosecond);
 
 // 1000 sleeps to absolute times 5 ms apart; lateness median / p99 / max in ms, like the timing log.
 void printSleepFloor()
