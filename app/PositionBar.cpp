@@ -27,28 +27,27 @@ void PositionBar::setLoopRange(std::optional<Range> range)
     update();
 }
 
-// Where the handle's centre stands for a time: the style's own mapping of a value to the groove,
-// at millisecond resolution.
-int PositionBar::xAt(int32_t ms) const
+// Where the handle's centre can stand: the style's own groove less the handle, so a time maps to
+// the bar as the handle would show it, at millisecond resolution.
+PositionBar::Travel PositionBar::travel() const
 {
     QStyleOptionSlider opt;
     initStyleOption(&opt);
     const QRect groove = style()->subControlRect(QStyle::CC_Slider, &opt, QStyle::SC_SliderGroove, this);
     const QRect handle = style()->subControlRect(QStyle::CC_Slider, &opt, QStyle::SC_SliderHandle, this);
-    const int span = groove.width() - handle.width();
-    return groove.x() + handle.width() / 2
-           + QStyle::sliderPositionFromValue(minimum() * kMsPerStep, maximum() * kMsPerStep, ms, span);
+    return {groove.x() + handle.width() / 2, groove.width() - handle.width()};
+}
+
+int PositionBar::xAt(int32_t ms) const
+{
+    const Travel t = travel();
+    return t.start + QStyle::sliderPositionFromValue(minimum() * kMsPerStep, maximum() * kMsPerStep, ms, t.span);
 }
 
 int32_t PositionBar::msAt(int x) const
 {
-    QStyleOptionSlider opt;
-    initStyleOption(&opt);
-    const QRect groove = style()->subControlRect(QStyle::CC_Slider, &opt, QStyle::SC_SliderGroove, this);
-    const QRect handle = style()->subControlRect(QStyle::CC_Slider, &opt, QStyle::SC_SliderHandle, this);
-    const int span = groove.width() - handle.width();
-    return QStyle::sliderValueFromPosition(minimum() * kMsPerStep, maximum() * kMsPerStep,
-                                           x - groove.x() - handle.width() / 2, span);
+    const Travel t = travel();
+    return QStyle::sliderValueFromPosition(minimum() * kMsPerStep, maximum() * kMsPerStep, x - t.start, t.span);
 }
 
 void PositionBar::paintEvent(QPaintEvent* event)

@@ -38,6 +38,11 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    struct Travel {
+        int start = 0;  // the handle's centre at the bar's first value
+        int span = 0;   // and how far it moves to the last
+    };
+    Travel travel() const;
     int xAt(int32_t ms) const;
     std::optional<Range> m_loop;
     std::optional<int32_t> m_dragFromMs;
