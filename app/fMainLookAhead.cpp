@@ -54,9 +54,9 @@ void fMain::lookAheadFrom(int32_t fromMs)
     if (m_nextNotes.piece() != m_player.theMidi())
         m_nextNotes = NextNotes(m_player.theMidi());
     m_nextNotes.startAt(fromMs);
-    // The player makes fromMs due now.
+    // Due now, at B's moment for a loop's jump, or after the count-in when there is one.
     m_lookAheadPieceMs = fromMs;
-    m_lookAheadHeardAtMs = m_clock.millis() + midiOutHeardDelayMs();
+    m_lookAheadHeardAtMs = m_player.dueOf(fromMs) + midiOutHeardDelayMs();
     m_lookAheadInStep = true;
     tmrLookAhead->start();
     showLookAhead();

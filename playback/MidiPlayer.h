@@ -107,6 +107,9 @@ public:
     // The clock time the event being delivered was scheduled for (timing logs compare it with the
     // time the device got the event); also of a click, and of a start or a jump while chase runs.
     int32_t currentDueMs() const { return m_currentDueMs; }
+    // When a moment of the piece is due on the clock as things stand (speed, pass, count-in): e.g.
+    // A while chase runs for it, which a count-in puts some beats after currentDueMs().
+    int32_t dueOf(int32_t pieceMs) const { return m_schedule.due(pieceMs); }
     // The pass being played, from 0, and the speed it plays at.
     int32_t currentPass() const { return m_schedule.pass(); }
     float currentSpeedRatio() const { return static_cast<float>(m_schedule.speed()); }
