@@ -37,6 +37,13 @@ void fMain::connectMenus()
         });
         connect(dialog, &fMidiDevs::latencyChosen, this,
                 [this](int ms) { m_settings->setInt(Setting::SynthLatencyMS, ms); });
+        // The dialog lets the output go while it is up and opens it again as it closes, on the
+        // device chosen: that output knows nothing of the piece, which goes on with the programs,
+        // controllers and quarter tones it has at this moment, not on a piano.
+        connect(dialog, &QDialog::finished, this, [this] {
+            if (m_playing && m_player.theMidi())  // as set by every event handed over so far
+                m_router.startFrom(m_player.theMidi(), m_positionMs + 1);
+        });
         dialog->open();
     });
     for (int i = 0; i < 4; ++i)

@@ -50,6 +50,7 @@ public:
     using fMain::lblRangeHigh;
     using fMain::mnu_Help_Contents;
     using fMain::mnu_Opts_Delay_Opt;
+    using fMain::mnu_Opts_Devs;
     using fMain::mnu_Opts_Notes;
     using fMain::optNNames;
     using fMain::sldPosition;

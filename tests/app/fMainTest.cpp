@@ -245,5 +245,34 @@ TEST_F(MainWindowTest, OpeningAPieceShowsItsFirstValidMaqamAtOnce)
     EXPECT_EQ(w.maqams().curMaqamIndex(), w.cmbMaqams->currentIndex());
 }
 
+// The device dialog lets the output go while it is up and opens it again as it closes, as a fresh
+// output on a piano: a piece playing meanwhile goes on with its own instrument.
+TEST_F(MainWindowTest, APlayingPieceKeepsItsInstrumentAcrossTheDeviceDialog)
+{
+    fMainProbe& w = start();
+    w.openFile(writeTrack("sitar.mid",
+                          [](MidiTrack& t) {
+                              t.c_addProgChangeE(0, 0, 104);
+                              t.c_addNoteOnE(0, 0, 60, 100);
+                              t.c_addNoteOffE(1500, 0, 60);
+                          }),
+               false);
+    bool dialogShown = false;
+    after(300, [&] {
+        w.mnu_Opts_Devs->trigger();
+        auto* dialog = w.findChild<QDialog*>();
+        dialogShown = dialog != nullptr;
+        m_recording->clear();
+        if (dialog)
+            dialog->reject();
+    });
+    w.cmdPlay->click();
+    ASSERT_TRUE(dialogShown);
+    const std::vector<uint32_t> words = m_recording->words();
+    const auto piano = std::find(words.begin(), words.end(), 0x00C0u);  // the re-opened output's program 0
+    ASSERT_NE(piano, words.end());
+    EXPECT_NE(std::find(piano, words.end(), 0x68C0u), words.end());  // and the piece's 104 after it
+}
+
 }  // namespace
 }  // namespace tarabix::test
