@@ -1,6 +1,5 @@
 #include "app/PracticePanel.h"
 
-#include "app/WindowTexts.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -33,7 +32,7 @@ QString loopText(const PracticeSetup& s)
 {
     if (!s.aMs && !s.bMs)
         return {};
-    const auto end = [](const std::optional<int32_t>& ms) { return ms ? loopPointText(*ms) : QStringLiteral("–"); };
+    const auto end = [](const std::optional<int32_t>& ms) { return ms ? QString::fromStdString(practiceTimeText(*ms)) : QStringLiteral("–"); };
     return QStringLiteral("%1 … %2").arg(end(s.aMs), end(s.bMs));
 }
 

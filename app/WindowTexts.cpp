@@ -28,15 +28,6 @@ QString noFileLabelText()
     return QStringLiteral("[No file is opened]");
 }
 
-QString loopPointText(int32_t ms)
-{
-    const int32_t tenths = roundHalfEvenInt(ms / 100.0);
-    return QStringLiteral("%1:%2.%3")
-        .arg(tenths / 600)
-        .arg(tenths / 10 % 60, 2, 10, QLatin1Char('0'))
-        .arg(tenths % 10);
-}
-
 int32_t positionRangeSeconds(int32_t lengthMs)
 {
     return roundHalfEvenInt(lengthMs / 1000.0);

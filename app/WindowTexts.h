@@ -10,9 +10,6 @@ namespace tarabix {
 // milliseconds rounded to whole seconds halves to even ("001:15" for 75 400 ms).
 QString pieceTimeText(int32_t ms);
 
-// A loop's end to the tenth of a second, as the practice row shows it: "1:05.3".
-QString loopPointText(int32_t ms);
-
 // The file label: "[ name ]" with the name after the last '/' or '\', cut to 15 characters and
 // "..." when longer than 16.
 QString fileLabelText(const QString& path);

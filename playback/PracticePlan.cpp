@@ -7,21 +7,12 @@ namespace tarabix {
 
 namespace {
 
-// Minutes, seconds and tenths, as the learner reads a piece's time: 125400 -> "2:05.4".
-std::string clockText(int32_t ms)
-{
-    const int32_t tenths = ms / 100;
-    char text[32];
-    std::snprintf(text, sizeof text, "%d:%02d.%d", tenths / 600, tenths / 10 % 60, tenths % 10);
-    return text;
-}
-
 std::optional<std::string> loopProblem(const LoopRange& loop, int32_t pieceLengthMs)
 {
     if (loop.toMs <= loop.fromMs)
         return "The loop's end (B) must come after its start (A).";
     if (loop.fromMs < 0 || loop.toMs > pieceLengthMs)
-        return "The loop must lie inside the piece, which runs from 0:00.0 to " + clockText(pieceLengthMs) + ".";
+        return "The loop must lie inside the piece, which runs from 0:00.0 to " + practiceTimeText(pieceLengthMs) + ".";
     if (loop.toMs - loop.fromMs < kMinLoopMs)
         return "The loop must be at least " + std::to_string(kMinLoopMs) + " milliseconds long.";
     return std::nullopt;
@@ -43,6 +34,14 @@ std::optional<std::string> rampProblem(const TempoRamp& ramp)
 }
 
 }  // namespace
+
+std::string practiceTimeText(int32_t ms)
+{
+    const int32_t tenths = ms / 100;
+    char text[32];
+    std::snprintf(text, sizeof text, "%d:%02d.%d", tenths / 600, tenths / 10 % 60, tenths % 10);
+    return text;
+}
 
 int32_t passPercent(const TempoRamp& ramp, int32_t pass)
 {

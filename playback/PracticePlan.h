@@ -37,6 +37,9 @@ inline constexpr int32_t kMinRampPercent = 25;
 inline constexpr int32_t kMaxRampPercent = 200;
 inline constexpr int32_t kMaxCountInBeats = 16;
 
+// A piece time as the practice room writes it, minutes, seconds and tenths begun: 125400 -> "2:05.4".
+std::string practiceTimeText(int32_t ms);
+
 // The percentage of the chosen speed pass `pass` (from 0) plays at.
 int32_t passPercent(const TempoRamp& ramp, int32_t pass);
 
