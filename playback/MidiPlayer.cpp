@@ -139,7 +139,8 @@ void MidiPlayer::play()
         m_currentDueMs = due;
         keepUp(due, next.kind == Moment::Event);
         const WaitEnd end = waitFor(due);
-        if (m_planChanged)
+        // Not on the way out: the owner may already be setting up the next piece's plan.
+        if (m_planChanged && !m_stopRequested)
             adoptPlan();
         if (end == WaitEnd::Reposition) {
             beginStretch(m_repositionTarget, 0, m_clock.now(), false);

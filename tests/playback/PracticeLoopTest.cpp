@@ -110,6 +110,9 @@ TEST_F(PracticeLoopTest, PassesFollowEachOtherWhereBWasDueAndRequestsStillWork)
          loop(1000, 2500, 0), 1.0f,
          [this] { clock.at(600, [this] { player.setPractice({std::nullopt, 0, TempoRamp{50, 10, 100}, 0}); }); },
          {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "1900 n63", "3500 n64", "3500 done"}},
+        {"a stop with the next piece's plan already set: no refusal on the way out", loop(1000, 2500, 0), 1.0f,
+         [this] { clock.at(600, [this] { player.stopPlaying(); player.setPractice(loop(1000, 99000, 0)); }); },
+         {"0 chase 1000", "0 pass 0 x1", "0 n61", "500 n62", "600 done"}, 2200},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
