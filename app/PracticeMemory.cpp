@@ -48,10 +48,9 @@ std::optional<RememberedPractice> recallPractice(const UserSettings& settings, c
 void rememberPractice(UserSettings& settings, const std::string& piecePath, const RememberedPractice& practice)
 {
     const PracticeSetup& s = practice.setup;
-    const PracticeSetup fresh;
-    if (!s.aMs && !s.bMs && !s.rampOn && s.countInBeats == 0 && practice.speedPercent == 100
-        && s.ramp.fromPercent == fresh.ramp.fromPercent && s.ramp.stepPercent == fresh.ramp.stepPercent
-        && s.ramp.ceilingPercent == fresh.ramp.ceilingPercent) {
+    PracticeSetup withoutLoopSwitch = s;  // the switch alone, no ends set, is nothing to keep
+    withoutLoopSwitch.loopOn = false;
+    if (withoutLoopSwitch == PracticeSetup{} && practice.speedPercent == 100) {
         settings.setPieceNumbers(piecePath, {});
         return;
     }

@@ -4,13 +4,11 @@ namespace tarabix {
 
 PracticePlan PracticeSetup::plan() const
 {
-    PracticePlan plan;
-    if (loopReady()) {
-        plan.loop = LoopRange{*aMs, *bMs};
-        if (rampOn)
-            plan.ramp = ramp;
+    PracticePlan plan = planToCheck();
+    if (!loopReady()) {
+        plan.loop.reset();
+        plan.ramp.reset();
     }
-    plan.countInBeats = countInBeats;
     return plan;
 }
 

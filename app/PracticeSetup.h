@@ -17,6 +17,8 @@ struct PracticeSetup {
     TempoRamp ramp{60, 5, 100};
     int32_t countInBeats = 0;
 
+    bool operator==(const PracticeSetup&) const = default;
+
     bool loopReady() const { return loopOn && aMs && bMs; }
     // What the player plays: the loop while it is on and both ends are set (until stopped), the
     // ramp while it is on (only with the loop: one pass through the piece has nothing to ramp).

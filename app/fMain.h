@@ -250,10 +250,12 @@ private:
     CountdownOverlay* m_countdown = nullptr;
     bool m_countInShown = false;  // the overlay counts the player's count-in, until the first note
 
-    // The practice row and what it holds; the piece time of the event last heard.
+    // The practice row and what it holds.
     PracticePanel* m_practicePanel = nullptr;
     PracticeSetup m_practice;
     Metronome m_metronome;
+    // Where the music is: the piece time of the last event handed over, or of the last start or
+    // jump (the player's chase) until one is.
     int32_t m_positionMs = 0;
     bool m_restoringPractice = false;  // a piece's practice comes back: nothing to remember
     // The speed the learner chose, from the slider or the percent box.
@@ -270,7 +272,6 @@ private:
     LookAhead m_lookAhead;
     NextNotes m_nextNotes;
     bool m_lookAheadInStep = false;
-    int32_t m_lookAheadPieceMs = 0;
     int32_t m_lookAheadHeardAtMs = 0;
     std::vector<LookAheadMark> m_lookAheadMarks;
     QTimer* tmrLookAhead = nullptr;

@@ -55,7 +55,6 @@ void fMain::lookAheadFrom(int32_t fromMs)
         m_nextNotes = NextNotes(m_player.theMidi());
     m_nextNotes.startAt(fromMs);
     // Due now, at B's moment for a loop's jump, or after the count-in when there is one.
-    m_lookAheadPieceMs = fromMs;
     m_lookAheadHeardAtMs = m_player.dueOf(fromMs) + midiOutHeardDelayMs();
     m_lookAheadInStep = true;
     tmrLookAhead->start();
@@ -69,7 +68,6 @@ void fMain::lookAheadDelivered(uint8_t status, uint8_t c1, uint8_t c2, int32_t a
     if (m_nextNotes.piece() != m_player.theMidi())
         m_nextNotes = NextNotes(m_player.theMidi());
     m_nextNotes.delivered(status, c1, c2, absMs, m_router);
-    m_lookAheadPieceMs = absMs;
     m_lookAheadHeardAtMs = dueMs + midiOutHeardDelayMs();
     m_lookAheadInStep = true;
     if (!tmrLookAhead->isActive())
@@ -90,7 +88,7 @@ void fMain::showLookAhead()
     // The speed played: during a tempo ramp, the pass's share of the chosen one.
     const double speed = m_player.currentSpeedRatio() > 0.0f ? m_player.currentSpeedRatio() : 1.0;
     const int32_t heardMs =
-        m_lookAheadPieceMs + roundHalfEvenInt(static_cast<double>(m_clock.millis() - m_lookAheadHeardAtMs) * speed);
+        m_positionMs + roundHalfEvenInt(static_cast<double>(m_clock.millis() - m_lookAheadHeardAtMs) * speed);
     NextNotesQuery query{m_lookAhead.nextMoments(), std::nullopt};
     int32_t fadeMs = kNextNotesFadeMs;
     if (m_lookAhead.withinTime()) {

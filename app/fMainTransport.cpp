@@ -44,6 +44,7 @@ void fMain::connectTransport()
         // Stamped with the moment the start is due: at a loop's jump, when B is heard, the notes
         // of the pass are cut and the channels set as at A, and the fingerboard rests then too.
         const int32_t dueMs = m_player.currentDueMs();
+        m_positionMs = fromMs;
         {
             const MidiOutDueTime due(dueMs);
             m_router.startFrom(m_player.theMidi(), fromMs);
@@ -182,7 +183,6 @@ void fMain::startPlaying(int32_t fromMs)
     m_player.setCatchUpTolerance(m_catchUpTolerance);
     m_player.setStartOffsetMSecMidi(fromMs);
     m_player.setPractice(m_practice.plan());
-    m_positionMs = fromMs;
     try {
         const ScopedFlag inPlay(m_inPlay);
         m_player.play();
